@@ -1,0 +1,124 @@
+#pragma once
+
+#include "chart/xyarray.h"
+
+#include <QString>
+#include <QWidget>
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+
+class QPainter;
+class QPrinter;
+
+namespace trendax {
+
+class StripChartModel;
+
+// An operation on a variable outside 0 to 12, or an array that is not 2 x N, reports its failure
+// to the caller with this exception and changes nothing.
+class ChartError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// A packed 24-bit colour R + 256*G + 65536*B, the form the settings store also uses.
+using PackedColor = std::uint32_t;
+
+// The multi-track strip chart: up to 13 variables on 1 to 5 horizontal tracks sharing one time
+// axis, a movable visible window, a vertical cursor, statistics per variable and printing.
+// Per-variable and per-track properties act on the slot chosen by CurrentVar / CurrentTrack.
+class StripChart : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit StripChart(QWidget* parent = nullptr);
+    ~StripChart() override;
+
+    // ---- Chart-wide state ----
+    int MaxBufferSize() const;
+    void setMaxBufferSize(int points);
+    int VarCount() const;
+    int TrackCount() const;
+    void setTrackCount(int tracks);
+    PackedColor BackColor() const;
+    void setBackColor(PackedColor color);
+    QString Caption() const;
+    void setCaption(const QString& caption);
+    double XSpan() const;
+    void setXSpan(double days);
+    double XViewStart() const;
+    double XViewEnd() const;
+    double CursorX() const;
+    void setCursorX(double x);
+    int ChartMode() const;
+    void setChartMode(int mode);
+    int CurrentVar() const;
+    void setCurrentVar(int index);
+    int CurrentTrack() const;
+    void setCurrentTrack(int index);
+
+    // ---- The selected variable ----
+    QString VarName() const;
+    void setVarName(const QString& name);
+    PackedColor VarColor() const;
+    void setVarColor(PackedColor color);
+    int VarSymbol() const;
+    void setVarSymbol(int symbol);
+    bool VarVisible() const;
+    void setVarVisible(bool visible);
+    int VarTrack() const;
+    void setVarTrack(int track);
+    double VarYMin() const;
+    void setVarYMin(double y);
+    double VarYMax() const;
+    void setVarYMax(double y);
+
+    // ---- The selected track ----
+    PackedColor TrackColor() const;
+    void setTrackColor(PackedColor color);
+    double TrackYMin() const;
+    void setTrackYMin(double y);
+    double TrackYMax() const;
+    void setTrackYMax(double y);
+
+    // ---- Operations ----
+    // Appends the points of a 2 x N array to variable k; null, a bad index or a bad shape throws.
+    void AddXYArray(int k, const XYArray* array);
+    void ClearData();
+    void ShowXRange(double start, double end);
+    double CursorValue(int i) const;
+    double DataMin(int i) const;
+    double DataMax(int i) const;
+    double DataAvg(int i) const;
+    double ViewMin(int i) const;
+    double ViewMax(int i) const;
+    double ViewAvg(int i) const;
+    // Draws the whole chart into a rectangle of the printer page, in inches.
+    void PrintChart(QPrinter& printer, double left, double top, double width, double height);
+    // The same onto any painter whose device has the given resolution (dots per inch).
+    void PrintChart(QPainter& painter, double dpi, double left, double top, double width,
+                    double height);
+    void ShowSettingsDialog();
+
+    // The model behind the widget (points, window, cursor, statistics).
+    StripChartModel& model();
+    const StripChartModel& model() const;
+
+signals:
+    // The user moved the cursor (a left click in the plot area).
+    void CursorChange(double x);
+    // A mouse button went down: button 1 left, 2 right, 4 middle; shift 1 Shift, 2 Ctrl, 4 Alt.
+    void ChartMouseDown(int button, int shift, double x, double y);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> d;
+};
+
+} // namespace trendax

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+// The one helper for the program's text files: Windows-1252 with CR LF line ends. Reading also
+// takes LF-only files. Writers replace a file atomically (temporary file, then rename), so a
+// crash never leaves a half-written file behind.
+namespace trendax::textfile {
+
+QString decode(QByteArrayView windows1252);
+// Characters outside Windows-1252 become '?'.
+QByteArray encode(QStringView text);
+
+// Splits on CR LF or LF; a final line end does not start another line.
+QStringList splitLines(const QString& text);
+
+// Reads the whole file; nullopt when it cannot be opened.
+std::optional<QByteArray> readBytes(const QString& path);
+std::optional<QStringList> readLines(const QString& path);
+// First line of the file; nullopt when the file cannot be opened or is empty.
+std::optional<QString> readFirstLine(const QString& path);
+
+// Writes every line followed by CR LF, replacing the file whatever the letter case of its
+// existing name. Returns false, leaving the old file as it was, on any failure.
+bool writeLines(const QString& path, const QStringList& lines);
+// Appends one line and CR LF, creating the file when missing.
+bool appendLine(const QString& path, const QString& line);
+
+} // namespace trendax::textfile
