@@ -1,6 +1,20 @@
+#include "app/dialogs.h"
+#include "app/form1.h"
+#include "storage/environment.h"
+
 #include <QApplication>
+#include <QStringList>
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
-    return 0;
+    QApplication::setApplicationName(QStringLiteral("Trendax2"));
+    // The argument text is everything after the program's name, as typed.
+    QStringList words = QApplication::arguments();
+    words.removeFirst();
+
+    trendax::SystemEnvironment environment;
+    trendax::SystemDialogs dialogs;
+    trendax::Form1 window(environment, dialogs, words.join(QLatin1Char(' ')));
+    window.show();
+    return QApplication::exec();
 }

@@ -1,0 +1,212 @@
+#pragma once
+
+#include "chart/xyarray.h"
+
+#include <QMainWindow>
+#include <QPointer>
+#include <QStringList>
+#include <array>
+#include <memory>
+
+class QFrame;
+class QLabel;
+class QListWidget;
+class QMenu;
+class QAction;
+class QProgressBar;
+class QPushButton;
+class QCheckBox;
+class QSplitter;
+class QStatusBar;
+class QTableWidget;
+class QTimer;
+class QToolBar;
+class QToolButton;
+class QTreeWidgetItem;
+
+namespace trendax {
+
+class Dialogs;
+class Environment;
+class StripChart;
+class DebugLog;
+class dlgOpen;
+class dlgProgress;
+
+// The main window's copy of the chosen site: its code, its folder, its day codes in tree order
+// and the chosen date range.
+struct SiteSelection {
+    QString text;
+    QString tag;
+    QStringList dates; // MMDDYY, tree order; one empty entry for a site without days
+    double startdate = 0;
+    double enddate = 0;
+};
+
+// A row of the statistics panel: visibility box, colour sample, name and seven read-outs.
+struct StatsRow {
+    QCheckBox* chkChannelVisible = nullptr;
+    QFrame* Line1 = nullptr;
+    QLabel* lblVar = nullptr;
+    QLabel* lblCursorValue = nullptr;
+    QLabel* lblMinDisp = nullptr;
+    QLabel* lblAvgDisp = nullptr;
+    QLabel* lblMaxDisp = nullptr;
+    QLabel* lblMin = nullptr;
+    QLabel* lblAvg = nullptr;
+    QLabel* lblMax = nullptr;
+};
+
+// The program's main window: toolbar, history column, chart column with the statistics panel,
+// status bar. It owns every piece of state that outlives one command.
+class Form1 : public QMainWindow {
+    Q_OBJECT
+
+public:
+    // argumentText: everything on the command line after the program's name.
+    Form1(Environment& env, Dialogs& dialogs, const QString& argumentText = {},
+          QWidget* parent = nullptr);
+    ~Form1() override;
+
+    // ---- State that outlives a command ----
+    bool bbDebugOut = false;
+    qint16 numChannels = 0;
+    double XMin = 0;
+    double XMax = 0;
+    QString SiteCode;
+    double mScale = 0;
+    double mOffset = 0;
+    QString ScaleFilePath;
+    QString OffsetFilePath;
+    SiteSelection NodeCopy;
+    std::array<std::shared_ptr<const XYArray>, 13> HandoverArray;
+    qint32 LoadedRowTotal = 0;
+    bool showPoints = false;
+    bool scrollLeft = false;
+    bool scrollRight = false;
+
+    // ---- Controls ----
+    QToolBar* Toolbar1 = nullptr;
+    QSplitter* CoolBar1 = nullptr;
+    QFrame* frameHist = nullptr;
+    QFrame* frameGraph = nullptr;
+    QListWidget* lstHST = nullptr;
+    QPushButton* cmdAddComment = nullptr;
+    QTableWidget* gridHistoryEvents = nullptr;
+    StripChart* Strip1 = nullptr;
+    QFrame* picStats = nullptr;
+    QLabel* lblCursor = nullptr;
+    std::array<StatsRow, 13> stats;
+    QStatusBar* StatusBar1 = nullptr;
+    std::array<QLabel*, 2> statusPanels{};
+    QProgressBar* ProgressBar1 = nullptr;
+    QTimer* tmrUI = nullptr;
+    QMenu* mnuFile = nullptr;
+    QMenu* popup1 = nullptr;
+    QMenu* popup2 = nullptr;
+    QAction* mnuOpen = nullptr;
+    QAction* mnuPrint = nullptr;
+    QAction* mnuExit = nullptr;
+    QAction* mnuAutoScale = nullptr;
+    QAction* mnuAutoScaleX = nullptr;
+    QAction* mnuStripChartSettings = nullptr;
+    QMenu* mnuQuillChannelsMenu = nullptr;
+    QAction* mnuQuillChannels = nullptr;
+    std::array<QAction*, 8> mnuChannel{};
+    QAction* mnuGraphSettings = nullptr;
+    // The site folder of the last selection, where the open dialog's folder list starts.
+    QString lastSiteFolder;
+
+    // The toolbar button with the given key ("open", "print", ... "help").
+    QToolButton* toolButton(const QString& key) const;
+    // The progress window of the load under way, or null.
+    dlgProgress* progressDialog() const;
+
+    // ---- Start-up and shutdown ----
+    void Form_Load(const QString& argumentText);
+    void Form_Unload();
+
+    // ---- Arrangement, toolbar, printing ----
+    void ArrangeBands();
+    void ArrangeControls();
+    void PrintChartPage();
+    void Toolbar1_ButtonClick(const QString& key);
+    void Toolbar1_ButtonMenuClick(const QString& key);
+    void Strip1_ChartMouseDown(int button, int shift, double x, double y);
+    void tmrUI_Timer();
+    // Width of band 1 (the history column) in twips.
+    int bandWidthTwips() const;
+    void setBandWidthTwips(int twips);
+    // Twips to pixels and back with the screen's logical resolution.
+    int twipsToPixels(double twips) const;
+    double pixelsToTwips(int pixels) const;
+
+    // ---- Loading a site ----
+    void CopySelectedNode(const QTreeWidgetItem* node, double startdate, double enddate);
+    void LoadWell();
+    void LoadQXL(const QString& path);
+    void DebugOutBegin();
+    void DebugOut(const QString& message);
+    void OpenSite();
+
+    // ---- Channel sets and layouts ----
+    void LayoutSingleChannel();
+    void LayoutSeparate();
+    void LayoutCurrentAndVoltage();
+    void LayoutGaugeChannels();
+    void LayoutAllChannels();
+    void SetTrackColor(int track, quint32 color);
+    void LoadChannelColors();
+    void SaveChannelColors();
+    void setStatsPanelHeightTwips(double twips);
+    void setRowName(int row, const QString& name);
+
+    // ---- Navigation, cursor and statistics ----
+    void AutoScaleY();
+    void ZoomAll();
+    void ZoomTime(int mode);
+    void ScrollTime(int mode);
+    void TogglePoints();
+    void FixedSpan(const QString& key);
+    void UpdateStatistics();
+    void UpdateCursorDisplay();
+    void Strip1_CursorChange(double x);
+
+    // ---- Calibration ----
+    void OpenCalibrationDialog();
+
+    // ---- History and comments (filled by their own modules) ----
+    void InitCommentGrid();
+
+    // The title "Trendax 2 - V3.0.7".
+    static QString programTitle();
+
+    Environment& environment() { return env_; }
+    Dialogs& dialogs() { return dialogs_; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void buildToolbar();
+    void buildMenus();
+    void buildBands();
+    void buildStatsPanel();
+    void showAbout();
+    void setCursorText(double x);
+
+    Environment& env_;
+    Dialogs& dialogs_;
+    std::unique_ptr<DebugLog> debugLog_;
+    QPointer<dlgProgress> progress_;
+    QPointer<dlgOpen> keptOpenDialog_;
+    int lastBandWidth_ = 0;
+    bool resizing_ = false;
+    bool cursorBusy_ = false;
+    double statsPanelTwips_ = 1630;
+};
+
+} // namespace trendax

@@ -1,0 +1,20 @@
+#include "app/readouts.h"
+
+#include <cmath>
+
+namespace trendax::readouts {
+
+QString formatValue(double value) {
+    if (!std::isfinite(value))
+        return QString::number(value);
+    double rounded = std::round(value * 100.0) / 100.0;
+    if (rounded == 0.0)
+        rounded = 0.0; // no "-0.00"
+    return QString::number(rounded, 'f', 2);
+}
+
+double parseValue(const QString& text) {
+    return text.toDouble();
+}
+
+} // namespace trendax::readouts
