@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+#include <functional>
+
+// Copying one file so that a reader never sees half of it: the bytes go to a temporary file in
+// the destination's folder, which is then renamed over the destination. A missing destination
+// folder is created; an existing destination is replaced without asking.
+namespace trendax::filecopy {
+
+struct Result {
+    int error = 0;  // errno of the failing step; 0 on success
+    QString reason; // what failed, in words, naming the step; empty on success
+    bool ok() const { return error == 0; }
+};
+
+// Called after each block with the bytes written so far and the source's size.
+using Progress = std::function<void(qint64 done, qint64 total)>;
+
+Result copy(const QString& source, const QString& destination, const Progress& progress = {});
+
+// Deletes a file, also a read-only one (its folder's permissions decide on this system).
+Result remove(const QString& path);
+
+// True when both paths name the same existing file.
+bool sameFile(const QString& a, const QString& b);
+
+} // namespace trendax::filecopy

@@ -1,0 +1,223 @@
+#include "opendlg/importer.h"
+
+#include "opendlg/filecopy.h"
+#include "opendlg/sitetree.h"
+#include "storage/filenames.h"
+#include "storage/textfile.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+
+namespace trendax::import {
+
+namespace {
+
+bool endsWith(QStringView name, const char* suffix) {
+    return name.endsWith(QLatin1String(suffix), Qt::CaseInsensitive);
+}
+
+} // namespace
+
+bool endsLikeHistory(QStringView name) {
+    return endsWith(name, ".HST") || endsWith(name, ".TXT");
+}
+
+bool readsAsNumber(QStringView text) {
+    text = text.trimmed();
+    if (!text.isEmpty() && (text.front() == QLatin1Char('+') || text.front() == QLatin1Char('-')))
+        text = text.mid(1);
+    int digits = 0;
+    int points = 0;
+    for (const QChar c : text) {
+        if (c >= QLatin1Char('0') && c <= QLatin1Char('9'))
+            ++digits;
+        else if (c == QLatin1Char('.') && points == 0)
+            ++points;
+        else
+            return false;
+    }
+    return digits > 0;
+}
+
+Kind classify(QStringView name, QStringView modifiedYear) {
+    if (name.size() == 12 && endsWith(name, ".CSV"))
+        return Kind::DataLog;
+    if (endsWith(name, "SCAL.TXT") || endsWith(name, "OFFS.TXT"))
+        return Kind::Calibration;
+    if (endsLikeHistory(name) && readsAsNumber(name.mid(4, 2)) && readsAsNumber(name.mid(6, 2)) &&
+        readsAsNumber(modifiedYear))
+        return Kind::History;
+    return Kind::Other;
+}
+
+std::optional<QString> dataLogYearOf(QByteArrayView head) {
+    if (head.isEmpty())
+        return std::nullopt;
+    return textfile::decode(head.first(std::min<qsizetype>(head.size(), 13))).right(2);
+}
+
+std::optional<QString> DataLogYear(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    return dataLogYearOf(file.read(13));
+}
+
+std::optional<QString> FileModifiedYear(const QString& path) {
+    const QFileInfo info(path);
+    if (!info.exists())
+        return std::nullopt;
+    return QString::number(info.lastModified().date().year()).right(2);
+}
+
+bool yearFitsFileName(QStringView year) {
+    for (const QChar c : year) {
+        if (c.unicode() < 0x20 || c == QLatin1Char('/') || c == QLatin1Char('\\') ||
+            c.unicode() == 0x7F)
+            return false;
+    }
+    return !year.isEmpty();
+}
+
+QString dataLogName(QStringView name, QStringView year) {
+    return name.left(8).toString() + year.toString() + QStringLiteral(".CSV");
+}
+
+QString historyName(QStringView name, QStringView year) {
+    return name.left(8).toString() + year.toString() + QStringLiteral(".TXT");
+}
+
+// ---- The walk ----
+
+namespace {
+
+class Walk {
+public:
+    Walk(const Folders& folders, bool deleteSources, const Callbacks& callbacks)
+        : folders_(folders), deleteSources_(deleteSources), callbacks_(callbacks) {}
+
+    Outcome run() {
+        const QStringList names = sitetree::listFiles(folders_.source);
+        outcome_.listed = int(names.size());
+        if (callbacks_.begin)
+            callbacks_.begin(outcome_.listed);
+        int i = 0;
+        for (const QString& name : names) {
+            if (callbacks_.progress)
+                callbacks_.progress(i);
+            ++i;
+            if (!importOne(name))
+                break;
+        }
+        return outcome_;
+    }
+
+private:
+    // False when the import must stop at this file.
+    bool importOne(const QString& name) {
+        const QString source = filenames::join(folders_.source, name);
+        QString modifiedYear;
+        if (endsLikeHistory(name)) {
+            const auto year = FileModifiedYear(source);
+            if (!year)
+                return stop(source, QStringLiteral("the file is no longer there"));
+            modifiedYear = *year;
+        }
+        switch (classify(name, modifiedYear)) {
+        case Kind::DataLog:
+            return importDataLog(name, source);
+        case Kind::Calibration:
+            return plainCopy(source, filenames::join(folders_.config, name));
+        case Kind::History:
+            return plainCopy(source,
+                             filenames::join(folders_.home, historyName(name, modifiedYear)));
+        case Kind::Other:
+            break;
+        }
+        return true;
+    }
+
+    bool importDataLog(const QString& name, const QString& source) {
+        if (!QFileInfo::exists(source))
+            return stop(source, QStringLiteral("the file is no longer there"));
+        const auto year = DataLogYear(source);
+        if (!year)
+            return stop(source, QStringLiteral("the file is empty or cannot be read, so its "
+                                               "year is unknown"));
+        if (!yearFitsFileName(*year))
+            return stop(source, QStringLiteral("its first line is too short to carry a year"));
+        const QString destination =
+            placeFor(filenames::join(folders_.home, dataLogName(name, *year)));
+        if (filecopy::sameFile(source, destination))
+            return stop(source, QStringLiteral("it is already in the home folder"));
+
+        if (callbacks_.dataLogCopying)
+            callbacks_.dataLogCopying(true);
+        int error = 0;
+        if (callbacks_.copyDataLog) {
+            error = callbacks_.copyDataLog(source, destination);
+        } else {
+            error = filecopy::copy(source, destination).error;
+        }
+        if (error == 0)
+            outcome_.copied << destination;
+        else
+            outcome_.failedCopies << source;
+        // The source goes whatever the copy reported: the user was told the copy's error
+        // number and had agreed to the deletion before the import began.
+        const bool removed = !deleteSources_ || removeSource(source);
+        if (callbacks_.dataLogCopying)
+            callbacks_.dataLogCopying(false);
+        return removed;
+    }
+
+    bool plainCopy(const QString& source, const QString& wanted) {
+        const QString destination = placeFor(wanted);
+        if (filecopy::sameFile(source, destination))
+            return stop(source, QStringLiteral("it is already in place"));
+        const filecopy::Result result = filecopy::copy(source, destination);
+        if (!result.ok())
+            return stop(source, result.reason);
+        outcome_.copied << destination;
+        return !deleteSources_ || removeSource(source);
+    }
+
+    bool removeSource(const QString& source) {
+        const QString why =
+            callbacks_.remove ? callbacks_.remove(source) : filecopy::remove(source).reason;
+        if (!why.isEmpty())
+            return stop(source, why);
+        outcome_.deleted << source;
+        return true;
+    }
+
+    // An existing file whose name differs only in letter case is the one replaced, so that
+    // the home folder never holds the same day twice.
+    static QString placeFor(const QString& path) { return filenames::resolve(path); }
+
+    bool stop(const QString& source, const QString& reason) {
+        const QString text = QStringLiteral("The import stopped at %1: %2.").arg(source, reason);
+        outcome_.stopped = text;
+        if (callbacks_.message)
+            callbacks_.message(text);
+        return false;
+    }
+
+    static bool endsWith(const QString& name, const char* suffix) {
+        return name.endsWith(QLatin1String(suffix), Qt::CaseInsensitive);
+    }
+
+    const Folders& folders_;
+    bool deleteSources_;
+    const Callbacks& callbacks_;
+    Outcome outcome_;
+};
+
+} // namespace
+
+Outcome run(const Folders& folders, bool deleteSources, const Callbacks& callbacks) {
+    return Walk(folders, deleteSources, callbacks).run();
+}
+
+} // namespace trendax::import

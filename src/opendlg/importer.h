@@ -1,0 +1,91 @@
+#pragma once
+
+#include <QByteArrayView>
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <optional>
+
+// Import of the files a controller delivers: which files are taken, the names they get in the
+// home and configuration folders, and the walk through a source folder. The walk reports what
+// it does through callbacks, so the dialog only shows it.
+namespace trendax::import {
+
+enum class Kind {
+    DataLog,     // 12 characters ending in ".CSV": site, month, day, no year
+    Calibration, // ends in "SCAL.TXT" or "OFFS.TXT"
+    History,     // ends in ".HST" or ".TXT", month and day as numbers, a numeric modified year
+    Other        // left alone
+};
+
+// The kind of a bare file name, the tests in the order data log, calibration, history; suffixes
+// in any letter case. modifiedYear is FileModifiedYear of the file; it is consulted only for
+// history files.
+Kind classify(QStringView name, QStringView modifiedYear);
+
+// Whether a name ends like a history file (".HST" or ".TXT"): only for these the walk needs the
+// file's modified year.
+bool endsLikeHistory(QStringView name);
+
+// Whether a piece of a file name reads as a number the way the controller's software tests it:
+// blanks around, an optional sign, digits with at most one decimal point, at least one digit.
+bool readsAsNumber(QStringView text);
+
+// DataLogYear of a data log's first bytes: the last two of its first 13 characters. nullopt for
+// an empty file, whose year cannot be read.
+std::optional<QString> dataLogYearOf(QByteArrayView head);
+// DataLogYear of a file; nullopt when it is empty or cannot be read.
+std::optional<QString> DataLogYear(const QString& path);
+// FileModifiedYear: the last two digits of the year of the file's last-modified date; nullopt
+// when the file is not there.
+std::optional<QString> FileModifiedYear(const QString& path);
+
+// Whether a year taken from inside a data log can stand in a file name: no path separator and no
+// control character (a short first line puts its line end there).
+bool yearFitsFileName(QStringView year);
+
+// The home folder names: the source's first eight characters, the two-digit year and the suffix.
+QString dataLogName(QStringView name, QStringView year);
+QString historyName(QStringView name, QStringView year);
+
+// ---- The walk ----
+
+struct Folders {
+    QString source; // the folder to import from
+    QString home;   // HomeFolderPath
+    QString config; // ConfigFolderPath
+};
+
+struct Callbacks {
+    // The number of files listed; the progress bar's maximum.
+    std::function<void(int count)> begin;
+    // Before each file, its index from 0.
+    std::function<void(int index)> progress;
+    // Copies a data log the way the shell copy does (progress window, its own error message);
+    // returns the error number, 0 on success. Unset: a plain copy.
+    std::function<int(const QString& source, const QString& destination)> copyDataLog;
+    // True while a data log is being copied (and its source deleted): the dialog is disabled.
+    std::function<void(bool copying)> dataLogCopying;
+    // Deletes a source file; an empty text on success, otherwise why not. Unset: filecopy.
+    std::function<QString(const QString& path)> remove;
+    // A message to the user with an OK button: why the import stopped.
+    std::function<void(const QString& text)> message;
+};
+
+struct Outcome {
+    int listed = 0;
+    QStringList copied;       // destination paths written
+    QStringList deleted;      // source paths deleted
+    QStringList failedCopies; // data logs whose copy failed (with their error message shown)
+    // Set when the import stopped at a file: the message that said so.
+    std::optional<QString> stopped;
+};
+
+// Imports every file of folders.source that the viewer knows into folders.home and
+// folders.config, deleting each source after its copy when deleteSources is set. Stops at the
+// first failure that leaves a file in doubt (an empty or unreadable data log, a failing plain copy
+// or delete, a file that vanished) with a message naming the file and the reason; the files
+// already handled stay handled.
+Outcome run(const Folders& folders, bool deleteSources, const Callbacks& callbacks);
+
+} // namespace trendax::import

@@ -1,0 +1,353 @@
+#include "opendlg/filecopy.h"
+#include "opendlg/importer.h"
+#include "support/scratchfolder.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+using namespace trendax;
+using trendax::test::ScratchFolder;
+
+namespace {
+
+QString kindName(import::Kind kind) {
+    switch (kind) {
+    case import::Kind::DataLog:
+        return "data log";
+    case import::Kind::Calibration:
+        return "calibration";
+    case import::Kind::History:
+        return "history";
+    case import::Kind::Other:
+        break;
+    }
+    return "other";
+}
+
+void setModified(const QString& path, int year) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(file.setFileTime(QDateTime(QDate(year, 6, 1), QTime(12, 0)),
+                                 QFileDevice::FileModificationTime));
+}
+
+QStringList filesIn(const QString& folder) {
+    QStringList names = QDir(folder).entryList(QDir::Files | QDir::Hidden);
+    names.sort();
+    return names;
+}
+
+// A source folder as a controller delivers it, next to files import must leave alone.
+struct Media {
+    ScratchFolder scratch;
+    QString source = scratch.mkdir("media");
+    import::Folders folders{source, scratch.file("app/logfiles"), scratch.file("app/cnffiles")};
+
+    Media() {
+        scratch.write("media/AB010315.CSV", "AB01,03/15/12,00:00:00,1.5\r\n");
+        scratch.write("media/cd020101.csv", "CD02,01/01/13,00:00:00,1.5\r\n");
+        scratch.write("media/AB01SCAL.TXT", "1.5\r\n");
+        scratch.write("media/ab01offs.txt", "0.25\r\n");
+        setModified(scratch.write("media/AB010315.HST", "events\r\n"), 2013);
+        scratch.write("media/AB01USEREVENTS.TXT", "comment\r\n");
+        scratch.write("media/AB01031512.CSV", "AB01,03/15/12\r\n");
+        scratch.write("media/AB01xx15.TXT", "x");
+        scratch.write("media/notes.doc", "x");
+        scratch.mkdir("media/AB010316.CSV");
+    }
+};
+
+} // namespace
+
+TEST(ImportNames, Classification) {
+    struct Row {
+        const char* name;
+        const char* modifiedYear;
+        const char* kind;
+    };
+    const Row rows[] = {
+        {"AB010315.CSV", "13", "data log"},
+        {"ab010315.csv", "13", "data log"},
+        {"AB01 3 5.CsV", "13", "data log"},
+        {"AB01031512.CSV", "13", "other"}, // already carries a year
+        {"AB0103.CSV", "13", "other"},
+        {".CSV", "13", "other"},
+        {"", "13", "other"},
+        {"AB01SCAL.TXT", "13", "calibration"},
+        {"scal.txt", "13", "calibration"},
+        {"XYZOFFS.txt", "13", "calibration"},
+        {"AB01SCAL.HST", "13", "other"},
+        {"AB010315.HST", "13", "history"},
+        {"AB010315.hst", "13", "history"},
+        {"AB01031512.TXT", "13", "history"},
+        {"AB010315.HST", "", "other"},
+        {"AB01USEREVENTS.TXT", "13", "other"}, // comments stay where they are
+        {"AB01xx15.TXT", "13", "other"},
+        {"AB01 3-1.TXT", "13", "history"}, // the pieces read as numbers
+        {"AB01.TXT", "13", "other"},
+        {"AB010315.DAT", "13", "other"},
+    };
+    for (const Row& row : rows)
+        EXPECT_EQ(
+            kindName(import::classify(QString::fromUtf8(row.name), QString(row.modifiedYear))),
+            row.kind)
+            << row.name;
+    EXPECT_EQ(import::classify(QString::fromUtf8("ÄÖÜß0315.CSV"), u"13"), import::Kind::DataLog);
+    EXPECT_EQ(import::classify(QString::fromUtf8("ÄÖÜß0315.hst"), u"13"), import::Kind::History);
+}
+
+TEST(ImportNames, ReadsAsNumber) {
+    for (const char* yes : {"03", "3", " 3", "3 ", "-1", "+1", ".5", "5.", "12"})
+        EXPECT_TRUE(import::readsAsNumber(QString(yes))) << yes;
+    for (const char* no : {"", " ", "ab", "1a", "..", "-", "1.2.", "+-1"})
+        EXPECT_FALSE(import::readsAsNumber(QString(no))) << no;
+}
+
+TEST(ImportNames, DestinationNames) {
+    EXPECT_EQ(import::dataLogName(u"AB010315.CSV", u"12"), "AB01031512.CSV");
+    EXPECT_EQ(import::dataLogName(u"ab010315.csv", u"12"), "ab01031512.CSV");
+    EXPECT_EQ(import::historyName(u"AB010315.HST", u"13"), "AB01031513.TXT");
+}
+
+TEST(DataLogYear, TheLastTwoOfTheFirstThirteenCharacters) {
+    EXPECT_EQ(import::dataLogYearOf("AB01,03/15/12,00:00:00,1.5"), "12");
+    EXPECT_EQ(import::dataLogYearOf("AB01,03/15/2012"), "20");
+    EXPECT_EQ(import::dataLogYearOf("AB,1/1/12\r\n"), "\r\n");
+    EXPECT_EQ(import::dataLogYearOf("A"), "A");
+    EXPECT_EQ(import::dataLogYearOf("AB01,03/15/1\x80"), QString::fromUtf8("1€"));
+    EXPECT_FALSE(import::dataLogYearOf(""));
+}
+
+TEST(DataLogYear, OfFiles) {
+    ScratchFolder scratch;
+    EXPECT_EQ(import::DataLogYear(scratch.write("a.csv", "AB01,03/15/12,1")), "12");
+    EXPECT_FALSE(import::DataLogYear(scratch.write("empty.csv", "")));
+    EXPECT_FALSE(import::DataLogYear(scratch.file("missing.csv")));
+}
+
+TEST(FileModifiedYear, TwoDigitsOfTheModifiedYear) {
+    ScratchFolder scratch;
+    const QString path = scratch.write("a.hst", "x");
+    setModified(path, 2013);
+    EXPECT_EQ(import::FileModifiedYear(path), "13");
+    setModified(path, 2005);
+    EXPECT_EQ(import::FileModifiedYear(path), "05");
+    EXPECT_FALSE(import::FileModifiedYear(scratch.file("missing.hst")));
+}
+
+TEST(ImportNames, YearsThatFitAFileName) {
+    EXPECT_TRUE(import::yearFitsFileName(u"12"));
+    EXPECT_TRUE(import::yearFitsFileName(u"2,"));
+    EXPECT_FALSE(import::yearFitsFileName(u"\r\n"));
+    EXPECT_FALSE(import::yearFitsFileName(u"/1"));
+    EXPECT_FALSE(import::yearFitsFileName(u"1\\"));
+    EXPECT_FALSE(import::yearFitsFileName(u""));
+}
+
+// ---- Copies ----
+
+TEST(FileCopy, ReplacesTheDestinationAndCreatesItsFolder) {
+    ScratchFolder scratch;
+    const QString source = scratch.write("a", QByteArray(700 * 1024, 'x'));
+    qint64 last = -1;
+    const auto result =
+        filecopy::copy(source, scratch.file("new/folder/b"), [&](qint64 done, qint64 total) {
+            EXPECT_EQ(total, 700 * 1024);
+            EXPECT_GT(done, last);
+            last = done;
+        });
+    EXPECT_TRUE(result.ok()) << result.reason.toStdString();
+    EXPECT_EQ(last, 700 * 1024);
+    EXPECT_EQ(scratch.read("new/folder/b"), QByteArray(700 * 1024, 'x'));
+
+    scratch.write("c", "old and longer");
+    EXPECT_TRUE(filecopy::copy(scratch.write("d", "new"), scratch.file("c")).ok());
+    EXPECT_EQ(scratch.read("c"), "new");
+}
+
+TEST(FileCopy, FailuresCarryTheErrorNumberAndLeaveNoTemporaryFile) {
+    ScratchFolder scratch;
+    const auto missing = filecopy::copy(scratch.file("missing"), scratch.file("out"));
+    EXPECT_EQ(missing.error, ENOENT);
+    EXPECT_FALSE(missing.reason.isEmpty());
+
+    scratch.mkdir("dest/taken"); // a folder where the file should go
+    const auto onFolder = filecopy::copy(scratch.write("src", "x"), scratch.file("dest/taken"));
+    EXPECT_NE(onFolder.error, 0);
+    EXPECT_EQ(filesIn(scratch.file("dest")), QStringList());
+
+    scratch.write("plain", "x"); // a file where a folder should be
+    const auto underFile = filecopy::copy(scratch.file("src"), scratch.file("plain/out"));
+    EXPECT_EQ(underFile.error, ENOTDIR);
+}
+
+// ---- The walk ----
+
+TEST(Import, AnsweredNoCopiesUnderNewNamesAndLeavesTheSource) {
+    Media media;
+    const QStringList before = filesIn(media.source);
+    std::vector<int> progress;
+    int maximum = -1;
+    import::Callbacks callbacks;
+    callbacks.begin = [&](int count) { maximum = count; };
+    callbacks.progress = [&](int i) { progress.push_back(i); };
+    const import::Outcome outcome = import::run(media.folders, false, callbacks);
+
+    EXPECT_FALSE(outcome.stopped);
+    EXPECT_EQ(maximum, 9);
+    EXPECT_EQ(progress, (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(filesIn(media.folders.home),
+              (QStringList{"AB01031512.CSV", "AB01031513.TXT", "cd02010113.CSV"}));
+    EXPECT_EQ(filesIn(media.folders.config), (QStringList{"AB01SCAL.TXT", "ab01offs.txt"}));
+    EXPECT_EQ(media.scratch.read("app/logfiles/AB01031512.CSV"), "AB01,03/15/12,00:00:00,1.5\r\n");
+    EXPECT_EQ(filesIn(media.source), before);
+    EXPECT_TRUE(outcome.deleted.isEmpty());
+}
+
+TEST(Import, AnsweredYesLeavesOnlyWhatItPassedOver) {
+    Media media;
+    const import::Outcome outcome = import::run(media.folders, true, {});
+    EXPECT_FALSE(outcome.stopped);
+    EXPECT_EQ(filesIn(media.source),
+              (QStringList{"AB01031512.CSV", "AB01USEREVENTS.TXT", "AB01xx15.TXT", "notes.doc"}));
+    EXPECT_EQ(outcome.deleted.size(), 5);
+    EXPECT_EQ(filesIn(media.folders.home).size(), 3);
+}
+
+TEST(Import, EmptySourceFolderDoesNothing) {
+    ScratchFolder scratch;
+    int maximum = -1;
+    import::Callbacks callbacks;
+    callbacks.begin = [&](int count) { maximum = count; };
+    const auto outcome = import::run(
+        {scratch.mkdir("empty"), scratch.file("home"), scratch.file("cnf")}, true, callbacks);
+    EXPECT_EQ(maximum, 0);
+    EXPECT_TRUE(outcome.copied.isEmpty());
+    EXPECT_FALSE(outcome.stopped);
+}
+
+TEST(Import, ReplacesAFileWhoseNameDiffersOnlyInCase) {
+    Media media;
+    media.scratch.write("app/cnffiles/ab01scal.txt", "old");
+    import::run(media.folders, false, {});
+    EXPECT_EQ(filesIn(media.folders.config), (QStringList{"ab01offs.txt", "ab01scal.txt"}));
+    EXPECT_EQ(media.scratch.read("app/cnffiles/ab01scal.txt"), "1.5\r\n");
+}
+
+TEST(Import, DataLogCopyIsBracketedAndItsSourceGoesEvenWhenTheCopyFailed) {
+    ScratchFolder scratch;
+    scratch.write("src/AB010315.CSV", "AB01,03/15/12,1\r\n");
+    scratch.write("src/AB010316.CSV", "AB01,03/16/12,1\r\n");
+    QStringList events;
+    import::Callbacks callbacks;
+    callbacks.dataLogCopying = [&](bool on) { events << (on ? "disable" : "enable"); };
+    callbacks.copyDataLog = [&](const QString& source, const QString& destination) {
+        events << "copy " + QFileInfo(source).fileName() + " " + QFileInfo(destination).fileName();
+        return source.endsWith("0315.CSV") ? EACCES : 0;
+    };
+    callbacks.remove = [&](const QString& path) {
+        events << "delete " + QFileInfo(path).fileName();
+        return QFile::remove(path) ? QString() : QString("cannot");
+    };
+    const auto outcome = import::run(
+        {scratch.file("src"), scratch.file("home"), scratch.file("cnf")}, true, callbacks);
+    EXPECT_EQ(events,
+              (QStringList{"disable", "copy AB010315.CSV AB01031512.CSV", "delete AB010315.CSV",
+                           "enable", "disable", "copy AB010316.CSV AB01031612.CSV",
+                           "delete AB010316.CSV", "enable"}));
+    EXPECT_EQ(outcome.failedCopies, QStringList{scratch.file("src/AB010315.CSV")});
+    EXPECT_FALSE(outcome.stopped);
+}
+
+// ---- Bad input: the import stops at the file, nothing is lost ----
+
+TEST(ImportStops, AtAnEmptyDataLog) {
+    ScratchFolder scratch;
+    scratch.write("src/AA010101.CSV", "AA01,01/01/12,1\r\n");
+    scratch.write("src/BB010101.CSV", "");
+    scratch.write("src/CC010101.CSV", "CC01,01/01/12,1\r\n");
+    QStringList messages;
+    import::Callbacks callbacks;
+    callbacks.message = [&](const QString& text) { messages << text; };
+    const auto outcome = import::run(
+        {scratch.file("src"), scratch.file("home"), scratch.file("cnf")}, true, callbacks);
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_TRUE(messages[0].contains(scratch.file("src/BB010101.CSV")));
+    EXPECT_EQ(outcome.stopped, messages[0]);
+    EXPECT_EQ(filesIn(scratch.file("src")), (QStringList{"BB010101.CSV", "CC010101.CSV"}));
+    EXPECT_EQ(filesIn(scratch.file("home")), QStringList{"AA01010112.CSV"});
+}
+
+TEST(ImportStops, AtADataLogWhoseFirstLineIsShort) {
+    // The year would be the line end, or a piece of a date with its slash.
+    for (const char* text : {"BB,1/1/12\r\n", "B,1\r\nB,1/2/1\r\n"}) {
+        ScratchFolder scratch;
+        scratch.write("src/BB010101.CSV", text);
+        const auto outcome =
+            import::run({scratch.file("src"), scratch.file("home"), scratch.file("cnf")}, true, {});
+        ASSERT_TRUE(outcome.stopped) << text;
+        EXPECT_TRUE(outcome.stopped->contains("BB010101.CSV"));
+        EXPECT_EQ(filesIn(scratch.file("src")), QStringList{"BB010101.CSV"});
+        EXPECT_EQ(filesIn(scratch.file("home")), QStringList());
+    }
+}
+
+TEST(ImportStops, WhenTheSourceCannotBeDeleted) {
+    Media media;
+    import::Callbacks callbacks;
+    callbacks.remove = [](const QString&) { return QString("read-only file system"); };
+    const auto outcome = import::run(media.folders, true, callbacks);
+    ASSERT_TRUE(outcome.stopped);
+    EXPECT_TRUE(outcome.stopped->contains(media.scratch.file("media/AB010315.CSV")));
+    EXPECT_TRUE(outcome.stopped->contains("read-only file system"));
+    // The first file is in place and still in the source; the walk went no further.
+    EXPECT_EQ(outcome.copied, QStringList{media.scratch.file("app/logfiles/AB01031512.CSV")});
+    EXPECT_TRUE(QFile::exists(outcome.copied[0]));
+    EXPECT_EQ(filesIn(media.source).size(), 9);
+    EXPECT_FALSE(QFile::exists(media.folders.config));
+}
+
+TEST(ImportStops, WhenTheDestinationCannotBeWritten) {
+    Media media;
+    media.scratch.write("app/cnffiles", "a file where the folder should be");
+    const auto outcome = import::run(media.folders, true, {});
+    ASSERT_TRUE(outcome.stopped);
+    // The first calibration file in name order; the two files before it are done and gone.
+    EXPECT_TRUE(outcome.stopped->contains(media.scratch.file("media/ab01offs.txt")));
+    EXPECT_EQ(filesIn(media.source).size(), 7);
+    EXPECT_TRUE(QFile::exists(media.scratch.file("media/ab01offs.txt")));
+}
+
+TEST(ImportStops, AtAFileThatVanished) {
+    Media media;
+    import::Callbacks callbacks;
+    callbacks.progress = [&](int i) {
+        if (i == 0)
+            QFile::remove(media.scratch.file("media/AB010315.HST"));
+    };
+    const auto outcome = import::run(media.folders, false, callbacks);
+    ASSERT_TRUE(outcome.stopped);
+    EXPECT_TRUE(outcome.stopped->contains("AB010315.HST"));
+}
+
+TEST(ImportStops, RatherThanDeleteAFileOntoItself) {
+    ScratchFolder scratch;
+    const QString home = scratch.mkdir("app/logfiles");
+    setModified(scratch.write("app/logfiles/AB01031513.TXT", "events"), 2013);
+    const auto outcome = import::run({home, home, scratch.file("app/cnffiles")}, true, {});
+    ASSERT_TRUE(outcome.stopped);
+    EXPECT_EQ(scratch.read("app/logfiles/AB01031513.TXT"), "events");
+}
+
+TEST(Import, NamesWithBlanksAndNonAsciiCharacters) {
+    ScratchFolder scratch;
+    scratch.write(QString::fromUtf8("src/Ä B 0315.CSV"), "XXXX,03/15/12,1\r\n");
+    setModified(scratch.write(QString::fromUtf8("src/é  00315.hst"), "x"), 2011);
+    const auto outcome =
+        import::run({scratch.file("src"), scratch.file("home"), scratch.file("cnf")}, false, {});
+    EXPECT_FALSE(outcome.stopped);
+    EXPECT_EQ(filesIn(scratch.file("home")), (QStringList{QString::fromUtf8("Ä B 031512.CSV"),
+                                                          QString::fromUtf8("é  0031511.TXT")}));
+}
