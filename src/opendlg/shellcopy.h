@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace trendax {
+
+class Dialogs;
+
+// Copies one file in front of the user: a progress window titled "Copying " + source + " to " +
+// destination stays up while the bytes move, an existing destination is replaced without
+// asking and a missing folder is created. On failure the bare error number is shown in a message
+// with an OK button. Returns that number, 0 on success. The window has no Cancel button: an
+// abandoned copy would otherwise be followed by the deletion of its source.
+int CopyWithShell(const QString& source, const QString& destination, QWidget* owner,
+                  Dialogs& dialogs);
+
+// The program's title, which messages without a title of their own carry.
+QString programTitle();
+
+} // namespace trendax
