@@ -407,7 +407,8 @@ bool dlgOpen::setDir1Path(const QString& folder) {
 void dlgOpen::Drive1_Change() {
     const QString root = Drive1->currentData().toString();
     const QFileInfo info(root);
-    if (!info.isDir() || !info.isReadable() || !QDir(root).entryList().size()) {
+    // An unreadable folder lists not even "." (an empty disc drive, a stale mount).
+    if (!info.isDir() || !info.isReadable() || QDir(root).entryList().isEmpty()) {
         const int back = Drive1->findData(rememberedDrive_);
         const QSignalBlocker blocker(Drive1);
         Drive1->setCurrentIndex(back);

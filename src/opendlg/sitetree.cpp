@@ -73,6 +73,9 @@ std::optional<datetime::DateTime> dateOfDayKey(const QString& key) {
 }
 
 QStringList listFiles(const QString& folder) {
+    // An empty path would be the process's current folder, which is never meant.
+    if (folder.isEmpty())
+        return {};
     QStringList names = QDir(folder).entryList(QDir::Files, QDir::Unsorted);
     // Names that differ only in letter case keep one order: capitals first.
     std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {

@@ -105,12 +105,6 @@ TEST(ImportNames, ReadsAsNumber) {
         EXPECT_FALSE(import::readsAsNumber(QString(no))) << no;
 }
 
-TEST(ImportNames, DestinationNames) {
-    EXPECT_EQ(import::dataLogName(u"AB010315.CSV", u"12"), "AB01031512.CSV");
-    EXPECT_EQ(import::dataLogName(u"ab010315.csv", u"12"), "ab01031512.CSV");
-    EXPECT_EQ(import::historyName(u"AB010315.HST", u"13"), "AB01031513.TXT");
-}
-
 TEST(DataLogYear, TheLastTwoOfTheFirstThirteenCharacters) {
     EXPECT_EQ(import::dataLogYearOf("AB01,03/15/12,00:00:00,1.5"), "12");
     EXPECT_EQ(import::dataLogYearOf("AB01,03/15/2012"), "20");
@@ -226,6 +220,10 @@ TEST(Import, EmptySourceFolderDoesNothing) {
     EXPECT_EQ(maximum, 0);
     EXPECT_TRUE(outcome.copied.isEmpty());
     EXPECT_FALSE(outcome.stopped);
+
+    // No folder at all is not the current folder.
+    EXPECT_EQ(import::run({QString(), scratch.file("home"), scratch.file("cnf")}, true, {}).listed,
+              0);
 }
 
 TEST(Import, ReplacesAFileWhoseNameDiffersOnlyInCase) {

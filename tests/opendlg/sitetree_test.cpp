@@ -89,11 +89,6 @@ TEST(SiteTree, HistoryFilesGetTextWorkingCopies) {
     EXPECT_EQ(QDir(home.path()).entryList(QDir::Files | QDir::Hidden).size(), 7);
 }
 
-TEST(SiteTree, WorkingCopyNameDropsTheLastThreeCharacters) {
-    EXPECT_EQ(sitetree::historyWorkingCopyName("AB01031512.HST"), "AB01031512.txt");
-    EXPECT_EQ(sitetree::historyWorkingCopyName("x.hst"), "x.txt");
-}
-
 TEST(SiteTree, CopyFailureBeforeTheFirstDataLogEndsTheWalk) {
     const auto failing = [](const QString&, const QString&) { return QString("disk full"); };
     const sitetree::Tree early =
@@ -115,12 +110,6 @@ TEST(SiteTree, ShortNamesAreTakenAsTheyCome) {
     EXPECT_EQ(codes(tree), (QStringList{".CSV", "A.CS", "AB01"}));
     EXPECT_EQ(days(tree, "A.CS"), (QStringList{"V"}));
     EXPECT_EQ(days(tree, ".CSV"), (QStringList{""}));
-}
-
-TEST(SiteTreeKeys, KindsOfKeys) {
-    EXPECT_EQ(sitetree::kindOfKey("Sites"), sitetree::KeyKind::Root);
-    EXPECT_EQ(sitetree::kindOfKey("mAB01"), sitetree::KeyKind::Site);
-    EXPECT_EQ(sitetree::kindOfKey("mdAB01031512"), sitetree::KeyKind::Day);
 }
 
 TEST(SiteTreeKeys, DayKeysGiveCalendarDates) {
