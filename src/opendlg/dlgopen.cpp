@@ -144,6 +144,17 @@ void dlgOpen::createControls() {
     tv->setSortingEnabled(false);
     cmdShowHomeFolder =
         new QPushButton(QStringLiteral("Show the Home Folder in Windows Explorer"), this);
+    // The button is two lines high and its text is meant to wrap, which a push button cannot
+    // do: it keeps its text (for keyboard and screen readers) but shows it through a
+    // word-wrapping label.
+    showHomeFolderCaption_ = new QLabel(cmdShowHomeFolder->text(), cmdShowHomeFolder);
+    showHomeFolderCaption_->setWordWrap(true);
+    showHomeFolderCaption_->setAlignment(Qt::AlignCenter);
+    showHomeFolderCaption_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    showHomeFolderCaption_->setForegroundRole(QPalette::WindowText);
+    QPalette hidden = cmdShowHomeFolder->palette();
+    hidden.setColor(QPalette::ButtonText, Qt::transparent);
+    cmdShowHomeFolder->setPalette(hidden);
 
     calStart = new QCalendarWidget(this);
     CalEnd = new QCalendarWidget(this);
@@ -239,8 +250,13 @@ void dlgOpen::placeControls() {
         fitFont(label, {label->text()}, label->size());
     fitFont(lblStartDate, {QStringLiteral("12/31/2000")}, lblStartDate->size());
     lblEndDate->setFont(lblStartDate->font());
-    for (QPushButton* button : {cmdImport, cmdShowHomeFolder, OKButton, CancelButton})
+    for (QPushButton* button : {cmdImport, OKButton, CancelButton})
         fitFont(button, {button->text()}, inner(button, 16));
+    showHomeFolderCaption_->setGeometry(cmdShowHomeFolder->rect().adjusted(4, 2, -4, -2));
+    const QString caption = cmdShowHomeFolder->text();
+    const qsizetype middle = caption.indexOf(QLatin1Char(' '), caption.size() / 2 - 4);
+    fitFont(showHomeFolderCaption_, {caption.left(middle), caption.mid(middle + 1)},
+            showHomeFolderCaption_->size());
     QStringList lines;
     for (const char* line : instructions)
         lines << QString::fromLatin1(line);

@@ -4,6 +4,7 @@
 
 #include <QDialog>
 #include <QString>
+#include <QTreeWidgetItem>
 #include <array>
 #include <functional>
 #include <optional>
@@ -19,7 +20,6 @@ class QPushButton;
 class QTimer;
 class QTreeView;
 class QTreeWidget;
-class QTreeWidgetItem;
 
 namespace trendax {
 
@@ -115,6 +115,7 @@ private:
     Environment& env_;
     Dialogs& dialogs_;
     QFileSystemModel* dirModel_ = nullptr;
+    QLabel* showHomeFolderCaption_ = nullptr;
     QString dir1Path_;
     QString rememberedDrive_;
     std::function<void()> showHomeFolder_;
