@@ -1,0 +1,43 @@
+#pragma once
+
+#include "chart/xyarray.h"
+
+#include <cstddef>
+#include <initializer_list>
+#include <utility>
+#include <vector>
+
+namespace trendax::test {
+
+// A 2 x N array from (time, value) pairs.
+inline XYArray makeArray(std::initializer_list<std::pair<double, double>> points) {
+    XYArray a(2, points.size());
+    std::size_t i = 0;
+    for (const auto& [x, y] : points) {
+        a.at(0, i) = x;
+        a.at(1, i) = y;
+        ++i;
+    }
+    return a;
+}
+
+inline XYArray makeArray(const std::vector<double>& times, const std::vector<double>& values) {
+    XYArray a(2, times.size());
+    for (std::size_t i = 0; i < times.size(); ++i) {
+        a.at(0, i) = times[i];
+        a.at(1, i) = values[i];
+    }
+    return a;
+}
+
+// n points one second apart from day start, values from f(i).
+template <class F> XYArray secondsArray(double dayStart, std::size_t first, std::size_t n, F f) {
+    XYArray a(2, n);
+    for (std::size_t i = 0; i < n; ++i) {
+        a.at(0, i) = dayStart + double(first + i) / 86400.0;
+        a.at(1, i) = f(first + i);
+    }
+    return a;
+}
+
+} // namespace trendax::test
