@@ -1,7 +1,9 @@
 #pragma once
 
+#include "chart/charttypes.h"
 #include "chart/xyarray.h"
 
+#include <QRectF>
 #include <QString>
 #include <QWidget>
 #include <cstdint>
@@ -14,16 +16,7 @@ class QPrinter;
 namespace trendax {
 
 class StripChartModel;
-
-// An operation on a variable outside 0 to 12, or an array that is not 2 x N, reports its failure
-// to the caller with this exception and changes nothing.
-class ChartError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
-// A packed 24-bit colour R + 256*G + 65536*B, the form the settings store also uses.
-using PackedColor = std::uint32_t;
+struct ChartSettings;
 
 // The multi-track strip chart: up to 13 variables on 1 to 5 horizontal tracks sharing one time
 // axis, a movable visible window, a vertical cursor, statistics per variable and printing.
@@ -100,6 +93,13 @@ public:
     void PrintChart(QPainter& painter, double dpi, double left, double top, double width,
                     double height);
     void ShowSettingsDialog();
+    // The options the settings dialog edits, read and applied without opening it.
+    ChartSettings settings() const;
+    void applySettings(const ChartSettings& settings);
+
+    // The plot area (all track bands) in widget coordinates; a left click inside it moves the
+    // cursor to the time under the pointer.
+    QRectF plotArea() const;
 
     // The model behind the widget (points, window, cursor, statistics).
     StripChartModel& model();

@@ -1,0 +1,77 @@
+#include "chart/chartsettingsdialog.h"
+
+#include <QCheckBox>
+#include <QColorDialog>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QVBoxLayout>
+
+namespace trendax {
+
+namespace {
+
+QColor toQColor(PackedColor c) {
+    return QColor(int(c & 0xFF), int((c >> 8) & 0xFF), int((c >> 16) & 0xFF));
+}
+
+PackedColor toPacked(const QColor& c) {
+    return PackedColor(c.red()) | PackedColor(c.green()) << 8 | PackedColor(c.blue()) << 16;
+}
+
+} // namespace
+
+ChartSettingsDialog::ChartSettingsDialog(QWidget* parent) : QDialog(parent) {
+    setWindowTitle(tr("Chart Settings"));
+    chkGridLines = new QCheckBox(tr("Show grid lines"), this);
+    spnLineWidth = new QSpinBox(this);
+    spnLineWidth->setRange(1, 10);
+    spnLineWidth->setSuffix(tr(" px"));
+    cmdBackColor = new QPushButton(this);
+    cmdBackColor->setMinimumWidth(80);
+    buttonBox = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+
+    auto* form = new QFormLayout;
+    form->addRow(chkGridLines);
+    form->addRow(tr("Line width:"), spnLineWidth);
+    form->addRow(tr("Background:"), cmdBackColor);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(form);
+    layout->addWidget(buttonBox);
+
+    connect(cmdBackColor, &QPushButton::clicked, this, &ChartSettingsDialog::cmdBackColor_Click);
+    connect(buttonBox, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    setSettings(ChartSettings{});
+}
+
+void ChartSettingsDialog::setSettings(const ChartSettings& settings) {
+    chkGridLines->setChecked(settings.appearance.gridLines);
+    spnLineWidth->setValue(settings.appearance.lineWidth);
+    setBackColor(settings.backColor);
+}
+
+ChartSettings ChartSettingsDialog::settings() const {
+    ChartSettings s;
+    s.appearance.gridLines = chkGridLines->isChecked();
+    s.appearance.lineWidth = spnLineWidth->value();
+    s.backColor = backColor_;
+    return s;
+}
+
+void ChartSettingsDialog::setBackColor(PackedColor color) {
+    backColor_ = color & 0xFFFFFFu;
+    const QColor c = toQColor(backColor_);
+    cmdBackColor->setText(c.name());
+    cmdBackColor->setStyleSheet(QStringLiteral("background-color: %1; color: %2")
+                                    .arg(c.name(), c.lightness() < 128 ? "white" : "black"));
+}
+
+void ChartSettingsDialog::cmdBackColor_Click() {
+    const QColor chosen = QColorDialog::getColor(toQColor(backColor_), this, tr("Background"));
+    if (chosen.isValid())
+        setBackColor(toPacked(chosen));
+}
+
+} // namespace trendax

@@ -1,0 +1,599 @@
+#include "chart/stripchart.h"
+
+#include "chart/chartmapping.h"
+#include "chart/chartsettingsdialog.h"
+#include "chart/stripchartmodel.h"
+#include "chart/timeticks.h"
+
+#include <QFontMetricsF>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPixmap>
+#include <QPrinter>
+#include <QtMath>
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace trendax {
+
+namespace {
+
+QColor toQColor(PackedColor c) {
+    return QColor(int(c & 0xFF), int((c >> 8) & 0xFF), int((c >> 16) & 0xFF));
+}
+
+// Sizes below are in screen pixels at 96 dpi and multiplied by a scale for other resolutions,
+// so a printed chart keeps the proportions of the one on screen.
+constexpr double axisFontPixels = 11.0;
+constexpr double captionFontPixels = 15.0;
+constexpr double bandGap = 4.0;
+constexpr double markerSize = 7.0;
+constexpr int yTickCount = 5;
+
+// Where everything goes for one area and resolution; recomputed per paint (cheap) so that the
+// click mapping and the picture always agree.
+struct Geometry {
+    QRectF area;
+    double scale = 1.0;
+    QRectF plot;
+    std::vector<QRectF> bands;
+    TimeMapping time;
+    QFont axisFont;
+    QFont captionFont;
+    double captionHeight = 0.0;
+};
+
+QString yLabel(double v, double range) {
+    if (std::abs(v) < 1e-9 * std::abs(range))
+        v = 0.0;
+    return QString::number(v, 'g', 6);
+}
+
+double yTickValue(const TrackSettings& t, int i) {
+    return t.yMin + (t.yMax - t.yMin) * double(i) / double(yTickCount - 1);
+}
+
+} // namespace
+
+// ---- Private state ----
+
+struct StripChart::Impl {
+    StripChartModel model;
+    QPixmap layer;
+    std::uint64_t layerRevision = 0;
+    bool layerValid = false;
+    int lastCursorPx = -1;
+    std::vector<CurvePoint> curve; // scratch, kept to avoid an allocation per curve
+    std::vector<QPointF> polyline; // the same in pixels
+
+    Geometry geometry(const QRectF& area, double scale, const QFont& base) const;
+    void paintBase(QPainter& p, const Geometry& g);
+    void paintCurves(QPainter& p, const Geometry& g);
+    void paintMarkers(QPainter& p, int style, const QColor& color, double scale);
+    void paintAxes(QPainter& p, const Geometry& g) const;
+    void paintCursor(QPainter& p, const Geometry& g) const;
+};
+
+Geometry StripChart::Impl::geometry(const QRectF& area, double scale, const QFont& base) const {
+    Geometry g;
+    g.area = area;
+    g.scale = scale;
+    g.axisFont = base;
+    g.axisFont.setPixelSize(std::max(1, qRound(axisFontPixels * scale)));
+    g.captionFont = base;
+    g.captionFont.setPixelSize(std::max(1, qRound(captionFontPixels * scale)));
+    g.captionFont.setBold(true);
+
+    const QFontMetricsF fm(g.axisFont);
+    double top = area.top() + 6.0 * scale;
+    if (!model.caption().isEmpty()) {
+        g.captionHeight = QFontMetricsF(g.captionFont).height();
+        top += g.captionHeight + 4.0 * scale;
+    }
+    // The Y axis is as wide as its widest label.
+    double labelWidth = fm.horizontalAdvance(QStringLiteral("0000"));
+    for (int t = 0; t < model.trackCount(); ++t) {
+        const TrackSettings track = model.track(t);
+        for (int i = 0; i < yTickCount; ++i)
+            labelWidth = std::max(labelWidth, fm.horizontalAdvance(yLabel(
+                                                  yTickValue(track, i), track.yMax - track.yMin)));
+    }
+    const double left = area.left() + labelWidth + 10.0 * scale;
+    const double right = area.right() - fm.horizontalAdvance(QStringLiteral("00/00/0000")) / 2.0;
+    const double bottom = area.bottom() - 2.0 * fm.height() - 8.0 * scale;
+    g.plot = QRectF(QPointF(left, top),
+                    QPointF(std::max(left + 1.0, right), std::max(top + 1.0, bottom)));
+
+    const int n = model.trackCount();
+    const double gap = bandGap * scale;
+    const double bandHeight = std::max(1.0, (g.plot.height() - gap * (n - 1)) / n);
+    for (int t = 0; t < n; ++t)
+        g.bands.emplace_back(g.plot.left(), g.plot.top() + t * (bandHeight + gap), g.plot.width(),
+                             bandHeight);
+    g.time = TimeMapping{model.xViewStart(), model.xViewEnd(), g.plot.left(), g.plot.width()};
+    return g;
+}
+
+// ---- Painting ----
+
+void StripChart::Impl::paintBase(QPainter& p, const Geometry& g) {
+    p.save();
+    p.setRenderHint(QPainter::Antialiasing, false);
+    p.fillRect(g.area, toQColor(model.backColor()));
+    const QPen frame(QColor(128, 128, 128), 0.0);
+    for (std::size_t t = 0; t < g.bands.size(); ++t) {
+        p.fillRect(g.bands[t], toQColor(model.track(int(t)).color));
+    }
+    if (model.appearance().gridLines) {
+        QPen grid(QColor(0, 0, 0, 60), 0.0, Qt::DotLine);
+        p.setPen(grid);
+        const QFontMetricsF fm(g.axisFont);
+        const int maxTicks =
+            std::max(1, int(g.plot.width() /
+                            (fm.horizontalAdvance(QStringLiteral("00/00/0000")) + 16.0 * g.scale)));
+        const auto ticks = timeTicks(model.xViewStart(), model.xViewEnd(), maxTicks);
+        for (const QRectF& band : g.bands) {
+            for (const TimeTick& tick : ticks) {
+                const double x = g.time.toX(tick.time);
+                p.drawLine(QPointF(x, band.top()), QPointF(x, band.bottom()));
+            }
+            for (int i = 1; i < yTickCount - 1; ++i) {
+                const double y = band.bottom() - band.height() * i / (yTickCount - 1);
+                p.drawLine(QPointF(band.left(), y), QPointF(band.right(), y));
+            }
+        }
+    }
+    paintCurves(p, g);
+    p.setPen(frame);
+    p.setBrush(Qt::NoBrush);
+    for (const QRectF& band : g.bands)
+        p.drawRect(band);
+    paintAxes(p, g);
+    if (!model.caption().isEmpty()) {
+        p.setFont(g.captionFont);
+        p.setPen(Qt::black);
+        const QRectF captionRect(g.area.left(), g.area.top() + 4.0 * g.scale, g.area.width(),
+                                 g.captionHeight);
+        p.drawText(captionRect, Qt::AlignHCenter | Qt::AlignTop, model.caption());
+    }
+    p.restore();
+}
+
+void StripChart::Impl::paintCurves(QPainter& p, const Geometry& g) {
+    const double lineWidth = model.appearance().lineWidth * g.scale;
+    for (int k = 0; k < StripChartModel::variableCount; ++k) {
+        const VariableSettings& v = model.variable(k);
+        if (!v.visible || v.track >= model.trackCount() || model.pointCount(k) == 0)
+            continue;
+        const QRectF& band = g.bands[std::size_t(v.track)];
+        model.curvePoints(k, g.time, curve);
+        const ValueMapping values{v.yMin, v.yMax, band.top(), band.height()};
+        polyline.clear();
+        polyline.reserve(curve.size());
+        for (const CurvePoint& c : curve)
+            polyline.emplace_back(std::clamp(g.time.toX(c.time), -1.0e6, 1.0e6),
+                                  values.toY(c.value));
+        p.save();
+        p.setClipRect(band);
+        const QColor color = toQColor(v.color);
+        p.setPen(QPen(color, lineWidth < 1.5 ? 0.0 : lineWidth, Qt::SolidLine, Qt::FlatCap,
+                      Qt::BevelJoin));
+        p.drawPolyline(polyline.data(), int(polyline.size()));
+        if (v.symbol > 0)
+            paintMarkers(p, (v.symbol - 1) % 13 + 1, color, g.scale);
+        p.restore();
+    }
+}
+
+// Thirteen marker styles: outlined and filled squares, circles, triangles and diamonds, a plus,
+// a cross, a star and a bar, so every variable of a full chart has its own.
+void StripChart::Impl::paintMarkers(QPainter& p, int style, const QColor& color, double scale) {
+    const double r = markerSize * scale / 2.0;
+    const bool filled = style >= 9;
+    p.setPen(QPen(color, scale < 1.5 ? 0.0 : scale));
+    p.setBrush(filled ? QBrush(color) : QBrush(Qt::NoBrush));
+    QPointF poly[4];
+    for (const QPointF& c : polyline) {
+        switch (style) {
+        case 1:
+        case 9:
+            p.drawRect(QRectF(c.x() - r, c.y() - r, 2 * r, 2 * r));
+            break;
+        case 2:
+        case 10:
+            p.drawEllipse(c, r, r);
+            break;
+        case 3:
+        case 11:
+            poly[0] = {c.x(), c.y() - r};
+            poly[1] = {c.x() + r, c.y() + r};
+            poly[2] = {c.x() - r, c.y() + r};
+            p.drawPolygon(poly, 3);
+            break;
+        case 4:
+        case 13:
+            poly[0] = {c.x(), c.y() + r};
+            poly[1] = {c.x() + r, c.y() - r};
+            poly[2] = {c.x() - r, c.y() - r};
+            p.drawPolygon(poly, 3);
+            break;
+        case 5:
+        case 12:
+            poly[0] = {c.x(), c.y() - r};
+            poly[1] = {c.x() + r, c.y()};
+            poly[2] = {c.x(), c.y() + r};
+            poly[3] = {c.x() - r, c.y()};
+            p.drawPolygon(poly, 4);
+            break;
+        case 6:
+            p.drawLine(QPointF(c.x() - r, c.y()), QPointF(c.x() + r, c.y()));
+            p.drawLine(QPointF(c.x(), c.y() - r), QPointF(c.x(), c.y() + r));
+            break;
+        case 7:
+            p.drawLine(QPointF(c.x() - r, c.y() - r), QPointF(c.x() + r, c.y() + r));
+            p.drawLine(QPointF(c.x() - r, c.y() + r), QPointF(c.x() + r, c.y() - r));
+            break;
+        case 8:
+            p.drawLine(QPointF(c.x() - r, c.y()), QPointF(c.x() + r, c.y()));
+            p.drawLine(QPointF(c.x(), c.y() - r), QPointF(c.x(), c.y() + r));
+            p.drawLine(QPointF(c.x() - r * 0.7, c.y() - r * 0.7),
+                       QPointF(c.x() + r * 0.7, c.y() + r * 0.7));
+            p.drawLine(QPointF(c.x() - r * 0.7, c.y() + r * 0.7),
+                       QPointF(c.x() + r * 0.7, c.y() - r * 0.7));
+            break;
+        }
+    }
+}
+
+void StripChart::Impl::paintAxes(QPainter& p, const Geometry& g) const {
+    p.setFont(g.axisFont);
+    p.setPen(QPen(Qt::black, 0.0));
+    const QFontMetricsF fm(g.axisFont);
+    const double tickLength = 4.0 * g.scale;
+
+    // Y axis of every band, labelled from TrackYMin at the bottom to TrackYMax at the top.
+    for (std::size_t t = 0; t < g.bands.size(); ++t) {
+        const QRectF& band = g.bands[t];
+        const TrackSettings track = model.track(int(t));
+        for (int i = 0; i < yTickCount; ++i) {
+            const double y = band.bottom() - band.height() * i / (yTickCount - 1);
+            p.drawLine(QPointF(band.left() - tickLength, y), QPointF(band.left(), y));
+            const QString label = yLabel(yTickValue(track, i), track.yMax - track.yMin);
+            // Keep the end labels inside the band so neighbouring bands do not collide.
+            const double h = fm.height();
+            const double top = std::clamp(y - h / 2.0, band.top(), band.bottom() - h);
+            p.drawText(QRectF(g.area.left(), top,
+                              band.left() - tickLength - g.area.left() - 2.0 * g.scale, h),
+                       Qt::AlignRight | Qt::AlignVCenter, label);
+        }
+    }
+
+    // Time axis under the last band.
+    const int maxTicks =
+        std::max(1, int(g.plot.width() /
+                        (fm.horizontalAdvance(QStringLiteral("00/00/0000")) + 16.0 * g.scale)));
+    const double axisY = g.plot.bottom();
+    for (const TimeTick& tick : timeTicks(model.xViewStart(), model.xViewEnd(), maxTicks)) {
+        const double x = g.time.toX(tick.time);
+        p.drawLine(QPointF(x, axisY), QPointF(x, axisY + tickLength));
+        const double w = fm.horizontalAdvance(QStringLiteral("00/00/0000")) + 8.0 * g.scale;
+        p.drawText(QRectF(x - w / 2.0, axisY + tickLength + 1.0 * g.scale, w, 2.0 * fm.height()),
+                   Qt::AlignHCenter | Qt::AlignTop, tick.label);
+    }
+}
+
+void StripChart::Impl::paintCursor(QPainter& p, const Geometry& g) const {
+    const double x = g.time.toX(model.cursorX());
+    if (x < g.plot.left() || x > g.plot.right())
+        return;
+    p.save();
+    p.setRenderHint(QPainter::Antialiasing, false);
+    p.setPen(QPen(Qt::black, g.scale < 1.5 ? 0.0 : g.scale));
+    p.drawLine(QPointF(x, g.plot.top()), QPointF(x, g.plot.bottom()));
+    p.restore();
+}
+
+// ---- Widget ----
+
+StripChart::StripChart(QWidget* parent) : QWidget(parent), d(std::make_unique<Impl>()) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMinimumSize(200, 120);
+    d->model.setChangeListener([this](StripChartModel::Change change) {
+        if (change == StripChartModel::Change::Curves) {
+            update();
+            return;
+        }
+        // A cursor move repaints two thin strips: where the cursor was and where it is now.
+        const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
+        const int x = qRound(g.time.toX(d->model.cursorX()));
+        const int top = int(g.plot.top()) - 1;
+        const int height = int(g.plot.height()) + 3;
+        if (d->lastCursorPx >= 0)
+            update(QRect(d->lastCursorPx - 2, top, 5, height));
+        update(QRect(x - 2, top, 5, height));
+        d->lastCursorPx = x;
+    });
+}
+
+StripChart::~StripChart() {
+    d->model.setChangeListener({});
+}
+
+StripChartModel& StripChart::model() {
+    return d->model;
+}
+const StripChartModel& StripChart::model() const {
+    return d->model;
+}
+
+QRectF StripChart::plotArea() const {
+    return d->geometry(QRectF(rect()), 1.0, font()).plot;
+}
+
+void StripChart::paintEvent(QPaintEvent* event) {
+    const qreal dpr = devicePixelRatioF();
+    const QSize pixels = (QSizeF(size()) * dpr).toSize();
+    const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
+    if (!d->layerValid || d->layer.size() != pixels || d->layer.devicePixelRatio() != dpr ||
+        d->layerRevision != d->model.curveRevision()) {
+        d->layer = QPixmap(pixels);
+        d->layer.setDevicePixelRatio(dpr);
+        QPainter lp(&d->layer);
+        d->paintBase(lp, g);
+        d->layerRevision = d->model.curveRevision();
+        d->layerValid = true;
+    }
+    QPainter p(this);
+    p.setClipRegion(event->region());
+    p.drawPixmap(0, 0, d->layer);
+    d->paintCursor(p, g);
+    d->lastCursorPx = qRound(g.time.toX(d->model.cursorX()));
+}
+
+void StripChart::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    d->layerValid = false;
+}
+
+void StripChart::mousePressEvent(QMouseEvent* event) {
+    int button = 0;
+    switch (event->button()) {
+    case Qt::LeftButton:
+        button = 1;
+        break;
+    case Qt::RightButton:
+        button = 2;
+        break;
+    case Qt::MiddleButton:
+        button = 4;
+        break;
+    default:
+        QWidget::mousePressEvent(event);
+        return;
+    }
+    const Qt::KeyboardModifiers m = event->modifiers();
+    const int shift = (m & Qt::ShiftModifier ? 1 : 0) | (m & Qt::ControlModifier ? 2 : 0) |
+                      (m & Qt::AltModifier ? 4 : 0);
+    const QPointF pos = event->position();
+    // The press is reported first; a left press inside the plot then moves the cursor.
+    emit ChartMouseDown(button, shift, pos.x(), pos.y());
+    if (button == 1) {
+        const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
+        if (g.plot.contains(pos)) {
+            const double t = g.time.toTime(pos.x());
+            d->model.setCursorX(t);
+            emit CursorChange(t);
+        }
+    }
+    event->accept();
+}
+
+// ---- Properties ----
+
+int StripChart::MaxBufferSize() const {
+    return d->model.maxBufferSize();
+}
+void StripChart::setMaxBufferSize(int points) {
+    d->model.setMaxBufferSize(points);
+}
+int StripChart::VarCount() const {
+    return StripChartModel::variableCount;
+}
+int StripChart::TrackCount() const {
+    return d->model.trackCount();
+}
+void StripChart::setTrackCount(int tracks) {
+    d->model.setTrackCount(tracks);
+}
+PackedColor StripChart::BackColor() const {
+    return d->model.backColor();
+}
+void StripChart::setBackColor(PackedColor color) {
+    d->model.setBackColor(color);
+}
+QString StripChart::Caption() const {
+    return d->model.caption();
+}
+void StripChart::setCaption(const QString& caption) {
+    d->model.setCaption(caption);
+}
+double StripChart::XSpan() const {
+    return d->model.xSpan();
+}
+void StripChart::setXSpan(double days) {
+    d->model.setXSpan(days);
+}
+double StripChart::XViewStart() const {
+    return d->model.xViewStart();
+}
+double StripChart::XViewEnd() const {
+    return d->model.xViewEnd();
+}
+double StripChart::CursorX() const {
+    return d->model.cursorX();
+}
+void StripChart::setCursorX(double x) {
+    d->model.setCursorX(x);
+}
+int StripChart::ChartMode() const {
+    return d->model.chartMode();
+}
+void StripChart::setChartMode(int mode) {
+    d->model.setChartMode(mode);
+}
+int StripChart::CurrentVar() const {
+    return d->model.currentVar();
+}
+void StripChart::setCurrentVar(int index) {
+    d->model.setCurrentVar(index);
+}
+int StripChart::CurrentTrack() const {
+    return d->model.currentTrack();
+}
+void StripChart::setCurrentTrack(int index) {
+    d->model.setCurrentTrack(index);
+}
+
+QString StripChart::VarName() const {
+    return d->model.variable(CurrentVar()).name;
+}
+void StripChart::setVarName(const QString& name) {
+    d->model.setVarName(CurrentVar(), name);
+}
+PackedColor StripChart::VarColor() const {
+    return d->model.variable(CurrentVar()).color;
+}
+void StripChart::setVarColor(PackedColor color) {
+    d->model.setVarColor(CurrentVar(), color);
+}
+int StripChart::VarSymbol() const {
+    return d->model.variable(CurrentVar()).symbol;
+}
+void StripChart::setVarSymbol(int symbol) {
+    d->model.setVarSymbol(CurrentVar(), symbol);
+}
+bool StripChart::VarVisible() const {
+    return d->model.variable(CurrentVar()).visible;
+}
+void StripChart::setVarVisible(bool visible) {
+    d->model.setVarVisible(CurrentVar(), visible);
+}
+int StripChart::VarTrack() const {
+    return d->model.variable(CurrentVar()).track;
+}
+void StripChart::setVarTrack(int track) {
+    d->model.setVarTrack(CurrentVar(), track);
+}
+double StripChart::VarYMin() const {
+    return d->model.variable(CurrentVar()).yMin;
+}
+void StripChart::setVarYMin(double y) {
+    d->model.setVarYMin(CurrentVar(), y);
+}
+double StripChart::VarYMax() const {
+    return d->model.variable(CurrentVar()).yMax;
+}
+void StripChart::setVarYMax(double y) {
+    d->model.setVarYMax(CurrentVar(), y);
+}
+
+PackedColor StripChart::TrackColor() const {
+    return d->model.track(CurrentTrack()).color;
+}
+void StripChart::setTrackColor(PackedColor color) {
+    d->model.setTrackColor(CurrentTrack(), color);
+}
+double StripChart::TrackYMin() const {
+    return d->model.track(CurrentTrack()).yMin;
+}
+void StripChart::setTrackYMin(double y) {
+    d->model.setTrackYMin(CurrentTrack(), y);
+}
+double StripChart::TrackYMax() const {
+    return d->model.track(CurrentTrack()).yMax;
+}
+void StripChart::setTrackYMax(double y) {
+    d->model.setTrackYMax(CurrentTrack(), y);
+}
+
+// ---- Operations ----
+
+void StripChart::AddXYArray(int k, const XYArray* array) {
+    if (!array)
+        throw ChartError("AddXYArray was given no array");
+    d->model.addXYArray(k, *array);
+}
+
+void StripChart::ClearData() {
+    d->model.clearData();
+}
+void StripChart::ShowXRange(double start, double end) {
+    d->model.showXRange(start, end);
+}
+double StripChart::CursorValue(int i) const {
+    return d->model.cursorValue(i);
+}
+double StripChart::DataMin(int i) const {
+    return d->model.dataMin(i);
+}
+double StripChart::DataMax(int i) const {
+    return d->model.dataMax(i);
+}
+double StripChart::DataAvg(int i) const {
+    return d->model.dataAvg(i);
+}
+double StripChart::ViewMin(int i) const {
+    return d->model.viewMin(i);
+}
+double StripChart::ViewMax(int i) const {
+    return d->model.viewMax(i);
+}
+double StripChart::ViewAvg(int i) const {
+    return d->model.viewAvg(i);
+}
+
+void StripChart::PrintChart(QPrinter& printer, double left, double top, double width,
+                            double height) {
+    QPainter p;
+    if (!p.begin(&printer))
+        return; // the printer could not be opened; nothing was drawn
+    // Inches count from the paper's corner; the painter's origin is the printable area's.
+    if (!printer.fullPage())
+        p.translate(-printer.pageRect(QPrinter::DevicePixel).topLeft());
+    PrintChart(p, printer.resolution(), left, top, width, height);
+    p.end();
+}
+
+void StripChart::PrintChart(QPainter& painter, double dpi, double left, double top, double width,
+                            double height) {
+    if (!(dpi > 0.0) || !(width > 0.0) || !(height > 0.0))
+        return;
+    const QRectF area(left * dpi, top * dpi, width * dpi, height * dpi);
+    const Geometry g = d->geometry(area, dpi / 96.0, font());
+    painter.save();
+    painter.setClipRect(area);
+    d->paintBase(painter, g);
+    d->paintCursor(painter, g);
+    painter.restore();
+}
+
+ChartSettings StripChart::settings() const {
+    return ChartSettings{d->model.appearance(), d->model.backColor()};
+}
+
+void StripChart::applySettings(const ChartSettings& settings) {
+    d->model.setAppearance(settings.appearance);
+    d->model.setBackColor(settings.backColor);
+}
+
+void StripChart::ShowSettingsDialog() {
+    ChartSettingsDialog dialog(this);
+    dialog.setSettings(settings());
+    if (dialog.exec() == QDialog::Accepted)
+        applySettings(dialog.settings());
+}
+
+} // namespace trendax
