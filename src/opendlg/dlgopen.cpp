@@ -5,7 +5,7 @@
 #include "opendlg/shellcopy.h"
 #include "opendlg/sitetree.h"
 #include "storage/environment.h"
-#include "storage/filenames.h"
+#include "storage/homefolder.h"
 
 #include <QApplication>
 #include <QCalendarWidget>
@@ -96,8 +96,8 @@ dlgOpen::dlgOpen(Environment& environment, Dialogs& dialogs, QWidget* parent)
     createControls();
     placeControls();
 
-    HomeFolderPath = filenames::join(env_.appFolder(), QStringLiteral("logfiles"));
-    ConfigFolderPath = filenames::join(env_.appFolder(), QStringLiteral("cnffiles"));
+    HomeFolderPath = homefolder::homeFolder(env_.appFolder());
+    ConfigFolderPath = homefolder::configFolder(env_.appFolder());
     QDir().mkpath(HomeFolderPath);
     QDir().mkpath(ConfigFolderPath);
     fillDriveList();
@@ -486,11 +486,10 @@ void dlgOpen::cmdShowHomeFolder_Click() {
 }
 
 void dlgOpen::ShowHomeFolder() {
-    env_.openFolder(HomeFolderPath);
-    // Said after every start of the file manager, also a successful one: users know the
-    // program by this message and it does no harm.
-    dialogs_.message(this, QStringLiteral("Unable to determine Trendax's working folder."),
-                     programTitle(), QMessageBox::Ok, QMessageBox::Information);
+    const ShowHomeFolderResult shown =
+        trendax::ShowHomeFolder(env_, homefolder::redirectedHomeFolder());
+    dialogs_.message(this, shown.message, programTitle(), QMessageBox::Ok,
+                     QMessageBox::Information);
 }
 
 } // namespace trendax

@@ -57,8 +57,9 @@ public:
     bool setDir1Path(const QString& folder);
     QString dir1Path() const { return dir1Path_; }
 
-    // The action of "Show the Home Folder in Windows Explorer". Unset, the dialog opens the home
-    // folder itself and then says that it could not determine it, as the program always has.
+    // The action of "Show the Home Folder in Windows Explorer". Unset, the dialog opens the
+    // per-user home folder when there is one, the home folder otherwise, and then says that it
+    // could not determine it, as the program always has.
     void setShowHomeFolder(std::function<void()> action) { showHomeFolder_ = std::move(action); }
 
     // The node with the given key, or nullptr.

@@ -1,5 +1,6 @@
 #include "opendlg/dlgopen.h"
 #include "opendlg/shellcopy.h"
+#include "storage/homefolder.h"
 #include "support/scratchfolder.h"
 #include "support/scripteddialogs.h"
 #include "support/scriptedenvironment.h"
@@ -14,6 +15,7 @@
 #include <QProgressBar>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <QTimer>
 #include <QTreeView>
 #include <QTreeWidget>
@@ -279,18 +281,28 @@ TEST_F(DlgOpen, ImportThatStopsSaysWhereAndWhy) {
 }
 
 TEST_F(DlgOpen, ShowHomeFolderOpensItAndThenSaysItCouldNot) {
+    // A per-user data folder of the test's own, empty at first.
+    QStandardPaths::setTestModeEnabled(true);
+    const QString redirected = homefolder::redirectedHomeFolder();
+    QDir(redirected).removeRecursively();
     dlgOpen dialog(env, dialogs);
     dialog.cmdShowHomeFolder->click();
-    EXPECT_EQ(env.openedFolders, QStringList{dialog.HomeFolderPath});
-    ASSERT_EQ(dialogs.messages.size(), 1u);
-    EXPECT_EQ(dialogs.messages[0].text, "Unable to determine Trendax's working folder.");
-    EXPECT_EQ(dialogs.messages[0].buttons, QMessageBox::Ok);
+    QDir().mkpath(redirected);
+    dialog.cmdShowHomeFolder->click();
+    QDir(redirected).removeRecursively();
+    QStandardPaths::setTestModeEnabled(false);
+    EXPECT_EQ(env.openedFolders, (QStringList{dialog.HomeFolderPath, redirected}));
+    ASSERT_EQ(dialogs.messages.size(), 2u);
+    for (const auto& message : dialogs.messages) {
+        EXPECT_EQ(message.text, "Unable to determine Trendax's working folder.");
+        EXPECT_EQ(message.buttons, QMessageBox::Ok);
+    }
 
     int calls = 0;
     dialog.setShowHomeFolder([&] { ++calls; });
     dialog.cmdShowHomeFolder->click();
     EXPECT_EQ(calls, 1);
-    EXPECT_EQ(dialogs.messages.size(), 1u);
+    EXPECT_EQ(dialogs.messages.size(), 2u);
 }
 
 TEST_F(DlgOpen, UnreadableDriveRollsBackSilently) {
