@@ -1,0 +1,47 @@
+// The data log reader on one generated day of one-second rows, fast path and general path.
+#include "loading/datalog.h"
+#include "synthetic.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+using namespace trendax;
+
+const QByteArray& day(int channels, gen::TimeForm form) {
+    static std::map<std::pair<int, int>, QByteArray> days;
+    auto& bytes = days[{channels, int(form)}];
+    if (bytes.isEmpty()) {
+        gen::SiteSpec spec;
+        spec.channels = channels;
+        spec.timeForm = form;
+        bytes = gen::dataLogDay(spec, 0);
+    }
+    return bytes;
+}
+
+void parseDay(benchmark::State& s, int channels, gen::TimeForm form, bool fast) {
+    const QByteArray& bytes = day(channels, form);
+    DataLogOptions options;
+    options.fastPath = fast;
+    for (auto _ : s) {
+        LoadState state;
+        DataLogResult r = parseDataLog(bytes, state, options);
+        benchmark::DoNotOptimize(r.channels[0]->data());
+    }
+    s.SetBytesProcessed(std::int64_t(s.iterations()) * bytes.size());
+    s.SetItemsProcessed(std::int64_t(s.iterations()) * 86400);
+}
+
+BENCHMARK_CAPTURE(parseDay, thirteen_hundredths_fast, 13, gen::TimeForm::Hundredths, true)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(parseDay, thirteen_ampm_fast, 13, gen::TimeForm::AmPm, true)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(parseDay, thirteen_hundredths_general, 13, gen::TimeForm::Hundredths, false)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(parseDay, one_hundredths_fast, 1, gen::TimeForm::Hundredths, true)
+    ->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();
