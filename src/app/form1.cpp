@@ -287,7 +287,6 @@ void Form1::buildStatsPanel() {
 
     for (const auto& [caption, left] : statsColumns) {
         auto* heading = new QLabel(QString::fromLatin1(caption), picStats);
-        heading->setFont(bold);
         heading->setGeometry(twipsToPixels(left), twipsToPixels(270), twipsToPixels(1100),
                              twipsToPixels(240));
     }
@@ -607,20 +606,23 @@ void applyPlan(Form1& w, const layouts::Plan& plan) {
 
 } // namespace
 
+void Form1::ApplyLayout(layouts::Layout layout) {
+    applyPlan(*this, layouts::plan(layout));
+}
 void Form1::LayoutSingleChannel() {
-    applyPlan(*this, layouts::plan(layouts::Layout::SingleChannel));
+    ApplyLayout(layouts::Layout::SingleChannel);
 }
 void Form1::LayoutSeparate() {
-    applyPlan(*this, layouts::plan(layouts::Layout::Separate));
+    ApplyLayout(layouts::Layout::Separate);
 }
 void Form1::LayoutCurrentAndVoltage() {
-    applyPlan(*this, layouts::plan(layouts::Layout::CurrentAndVoltage));
+    ApplyLayout(layouts::Layout::CurrentAndVoltage);
 }
 void Form1::LayoutGaugeChannels() {
-    applyPlan(*this, layouts::plan(layouts::Layout::GaugeChannels));
+    ApplyLayout(layouts::Layout::GaugeChannels);
 }
 void Form1::LayoutAllChannels() {
-    applyPlan(*this, layouts::plan(layouts::Layout::AllChannels));
+    ApplyLayout(layouts::Layout::AllChannels);
 }
 
 void Form1::LoadChannelColors() {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "app/channellayouts.h"
 #include "chart/xyarray.h"
+#include "loading/wellload.h"
 
 #include <QMainWindow>
 #include <QPointer>
@@ -32,16 +34,6 @@ class StripChart;
 class DebugLog;
 class dlgOpen;
 class dlgProgress;
-
-// The main window's copy of the chosen site: its code, its folder, its day codes in tree order
-// and the chosen date range.
-struct SiteSelection {
-    QString text;
-    QString tag;
-    QStringList dates; // MMDDYY, tree order; one empty entry for a site without days
-    double startdate = 0;
-    double enddate = 0;
-};
 
 // A row of the statistics panel: visibility box, colour sample, name and seven read-outs.
 struct StatsRow {
@@ -78,7 +70,7 @@ public:
     double mOffset = 0;
     QString ScaleFilePath;
     QString OffsetFilePath;
-    SiteSelection NodeCopy;
+    trendax::NodeCopy NodeCopy;
     std::array<std::shared_ptr<const XYArray>, 13> HandoverArray;
     qint32 LoadedRowTotal = 0;
     bool showPoints = false;
@@ -150,6 +142,7 @@ public:
     void OpenSite();
 
     // ---- Channel sets and layouts ----
+    void ApplyLayout(layouts::Layout layout);
     void LayoutSingleChannel();
     void LayoutSeparate();
     void LayoutCurrentAndVoltage();

@@ -7,7 +7,9 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFrame>
 #include <QLabel>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QProcess>

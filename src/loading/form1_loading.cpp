@@ -1,0 +1,194 @@
+// The main window's loading routines: the data log reader's window side and the well loader.
+#include "app/channellayouts.h"
+#include "app/form1.h"
+#include "calibration/factorfiles.h"
+#include "chart/stripchart.h"
+#include "loading/datalog.h"
+#include "loading/dlgprogress.h"
+#include "loading/wellload.h"
+#include "opendlg/dlgopen.h"
+#include "storage/environment.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QListWidget>
+#include <QProgressBar>
+#include <QToolButton>
+
+namespace trendax {
+
+void Form1::LoadQXL(const QString& path) {
+    LoadState state;
+    state.numChannels = numChannels;
+    state.XMin = XMin;
+    state.XMax = XMax;
+    state.mScale = mScale;
+    state.mOffset = mOffset;
+
+    DataLogOptions options;
+    options.debugOut = [this](const QString& message) { DebugOut(message); };
+    options.dumpTable = bbDebugOut; // the dump is costly and nobody sees it with the log off
+    dlgProgress* progress = progress_;
+    options.progress = [progress](qsizetype row, qsizetype rowCount) {
+        if (progress) {
+            progress->lblLines->setText(
+                QStringLiteral("Reading line %1 of %2").arg(row).arg(rowCount));
+            QProgressBar* bar = progress->ProgressBar2;
+            if (bar->maximum() != int(rowCount))
+                bar->setMaximum(int(rowCount));
+            bar->setValue(bar->maximum() > bar->value() ? int(row) : 0);
+            progress->bringToFront();
+        }
+        QCoreApplication::processEvents();
+    };
+
+    // A file that cannot be opened throws and ends the whole load.
+    const DataLogResult result = readDataLog(path, environment().appFolder(), state, options);
+
+    numChannels = state.numChannels;
+    XMin = state.XMin;
+    XMax = state.XMax;
+
+    // Every row counts towards the buffer, bad ones too, so the appended days always fit.
+    const bool firstFile = progress && progress->ProgressBar1->value() == 1;
+    LoadedRowTotal = nextLoadedRowTotal(LoadedRowTotal, result.rowCount, firstFile);
+    if (LoadedRowTotal > Strip1->MaxBufferSize())
+        Strip1->setMaxBufferSize(LoadedRowTotal);
+
+    if (result.yscaleEnabled)
+        toolButton(QStringLiteral("yscale"))->setEnabled(*result.yscaleEnabled);
+    if (result.tracksEnabled)
+        toolButton(QStringLiteral("tracks"))->setEnabled(*result.tracksEnabled);
+
+    for (size_t k = 0; k < result.channels.size(); ++k) {
+        if (result.channels[k])
+            HandoverArray[k] = result.channels[k];
+    }
+    DebugOut(QStringLiteral("LoadQXL: vararrys loaded"));
+    QCoreApplication::processEvents();
+
+    const HandoverPlan plan = planHandover(numChannels);
+    for (const HandoverStep& step : plan.steps) {
+        const int var = step.channel - 1;
+        try {
+            Strip1->AddXYArray(var, HandoverArray[size_t(var)].get());
+        } catch (const ChartError& e) {
+            // A slot that holds nothing is skipped; only channel 1's refusal is traced.
+            if (step.channel == 1)
+                DebugOut(QStringLiteral("LoadQXL: Strip1.AddXYArray 0; Err = ") +
+                         QString::fromUtf8(e.what()));
+        }
+        Strip1->setCurrentVar(var);
+        Strip1->setVarName(QStringLiteral("Var%1").arg(step.channel));
+        if (step.visible)
+            Strip1->setVarVisible(*step.visible);
+        if (step.checkMenuItem > 0)
+            mnuChannel[size_t(step.checkMenuItem - 1)]->setChecked(true);
+        QCoreApplication::processEvents();
+    }
+    if (plan.tracksEnabled)
+        toolButton(QStringLiteral("tracks"))->setEnabled(*plan.tracksEnabled);
+    if (plan.quillChannelsEnabled)
+        mnuQuillChannels->setEnabled(*plan.quillChannelsEnabled);
+
+    AutoScaleY();
+    UpdateStatistics();
+}
+
+dlgProgress* Form1::progressDialog() const {
+    return progress_;
+}
+
+void Form1::OpenSite() {
+    auto* dialog = new dlgOpen(environment(), dialogs(), this);
+    if (!lastSiteFolder.isEmpty())
+        dialog->setDir1Path(lastSiteFolder);
+    dialog->exec();
+    if (QTreeWidgetItem* site = dialog->SelectedSite) {
+        lastSiteFolder = site->data(0, dlgOpen::TagRole).toString();
+        CopySelectedNode(site, dialog->startDate(), dialog->endDate());
+        LoadWell();
+        delete dialog;
+        return;
+    }
+    // Without a site the dialog stays loaded and hidden until the next one replaces it.
+    delete keptOpenDialog_;
+    keptOpenDialog_ = dialog;
+}
+
+void Form1::CopySelectedNode(const QTreeWidgetItem* node, double startdate, double enddate) {
+    QStringList children;
+    for (int i = 0; node && i < node->childCount(); ++i)
+        children << node->child(i)->text(0);
+    NodeCopy =
+        trendax::CopySelectedNode(node ? node->text(0) : QString(),
+                                  node ? node->data(0, dlgOpen::TagRole).toString() : QString(),
+                                  children, startdate, enddate);
+}
+
+void Form1::LoadWell() {
+    DebugOut(QStringLiteral("LoadWell()"));
+    bool busyPointer = false;
+    const auto restoreWindow = [&] {
+        if (progress_)
+            progress_->close();
+        delete progress_;
+        setEnabled(true);
+        raise();
+        activateWindow();
+        if (busyPointer)
+            QApplication::restoreOverrideCursor();
+    };
+    try {
+        const QString appFolder = environment().appFolder();
+        mOffset = ReadOffset(appFolder, NodeCopy.text, OffsetFilePath);
+        mScale = ReadScale(appFolder, NodeCopy.text, ScaleFilePath);
+
+        Strip1->setChartMode(1);
+        Strip1->setXSpan(2);
+        lstHST->clear();
+        Strip1->ClearData();
+
+        SiteCode = NodeCopy.text;
+        setWindowTitle(programTitle() + QStringLiteral(" - Site: ") + SiteCode);
+        XMin = 1e11;
+        XMax = 0;
+        numChannels = 0;
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        busyPointer = true;
+
+        WellLoadHooks hooks;
+        hooks.debugOut = [this](const QString& message) { DebugOut(message); };
+        hooks.beginLoading = [this](int count) {
+            progress_ = new dlgProgress(this);
+            progress_->show();
+            progress_->bringToFront();
+            progress_->ProgressBar1->setMaximum(count + 1);
+            progress_->ProgressBar1->setValue(0);
+            setEnabled(false);
+        };
+        hooks.loadDay = [this](int fileNumber, int count, const QString& dataLog, const QString&) {
+            progress_->ProgressBar1->setValue(fileNumber);
+            progress_->lblFiles->setText(
+                QStringLiteral("Loading file %1 of %2").arg(fileNumber).arg(count));
+            LoadQXL(dataLog);
+        };
+        hooks.afterDateCode = [this] { Strip1->ShowXRange(XMin, XMax); };
+        runWellLoadPasses(NodeCopy, hooks);
+
+        progress_->ProgressBar1->setValue(progress_->ProgressBar1->maximum());
+        ProgressBar1->setVisible(false);
+        Strip1->setCursorX(XMin + (XMax - XMin) / 2);
+        UpdateCursorDisplay();
+        // Two to four channels keep the layout they had.
+        if (const auto layout = layouts::forChannelCount(numChannels))
+            ApplyLayout(*layout);
+        restoreWindow();
+    } catch (const std::exception& e) {
+        // What was loaded stays; the cursor, the layout and the progress bar are left alone.
+        DebugOut(QStringLiteral("LoadWell().ERR1: ") + QString::fromUtf8(e.what()));
+        restoreWindow();
+    }
+}
+
+} // namespace trendax
