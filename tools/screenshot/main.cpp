@@ -1,0 +1,73 @@
+// Renders the main window with a site of the sample media loaded, offscreen, into a PNG file:
+// the picture in the README. Usage: trendax-screenshot MEDIA_FOLDER OUT.png [SITE]
+#include "app/dialogs.h"
+#include "app/form1.h"
+#include "chart/stripchart.h"
+#include "opendlg/dlgopen.h"
+#include "opendlg/importer.h"
+#include "opendlg/sitetree.h"
+#include "storage/environment.h"
+#include "storage/filenames.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTreeWidgetItem>
+#include <cstdio>
+
+using namespace trendax;
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    if (args.size() < 3) {
+        std::fprintf(stderr, "usage: trendax-screenshot MEDIA_FOLDER OUT.png [SITE]\n");
+        return 2;
+    }
+    const QString site = args.size() > 3 ? args[3] : QStringLiteral("WL13");
+
+    QTemporaryDir appFolder;
+    const import::Folders folders{QDir(args[1]).absolutePath(),
+                                  filenames::join(appFolder.path(), QStringLiteral("logfiles")),
+                                  filenames::join(appFolder.path(), QStringLiteral("cnffiles"))};
+    QDir().mkpath(folders.home);
+    QDir().mkpath(folders.config);
+    import::run(folders, false, {});
+
+    const sitetree::Tree tree = sitetree::build(folders.home);
+    QTreeWidgetItem node;
+    for (const sitetree::Site& s : tree.sites) {
+        if (s.code != site)
+            continue;
+        node.setText(0, s.code);
+        node.setData(0, dlgOpen::TagRole, folders.home);
+        for (const sitetree::Day& d : s.days)
+            (new QTreeWidgetItem(&node))->setText(0, d.text);
+    }
+    if (node.childCount() == 0) {
+        std::fprintf(stderr, "trendax-screenshot: no site %s in the media\n", qPrintable(site));
+        return 1;
+    }
+
+    SystemEnvironment environment(appFolder.path());
+    SystemDialogs dialogs;
+    Form1 window(environment, dialogs);
+    window.resize(1400, 900);
+    window.show();
+    const auto first = sitetree::dayDate(node.child(0)->text(0));
+    const auto last = sitetree::dayDate(node.child(node.childCount() - 1)->text(0));
+    window.CopySelectedNode(&node, first.value_or(0), last.value_or(0));
+    window.LoadWell();
+    window.Strip1->setCursorX(window.XMin + (window.XMax - window.XMin) * 0.37);
+    window.UpdateCursorDisplay();
+    QApplication::processEvents();
+    window.ArrangeControls();
+    QApplication::processEvents();
+    if (!window.grab().save(args[2])) {
+        std::fprintf(stderr, "trendax-screenshot: cannot write %s\n", qPrintable(args[2]));
+        return 1;
+    }
+    return 0;
+}
