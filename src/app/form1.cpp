@@ -213,7 +213,9 @@ void Form1::buildMenus() {
     popup2 = bar->addMenu(QStringLiteral("popup2"));
     mnuQuillChannelsMenu = popup2->addMenu(QStringLiteral("Quill Channels"));
     mnuQuillChannels = mnuQuillChannelsMenu->menuAction();
-    mnuQuillChannels->setEnabled(false);
+    // The submenu itself is disabled, not only its action: re-enabling the window after a load
+    // would otherwise enable the menu again.
+    mnuQuillChannelsMenu->setEnabled(false);
     for (int k = 0; k < 8; ++k) {
         QAction* item = mnuQuillChannelsMenu->addAction(QString::number(k + 1));
         item->setCheckable(true);

@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QLabel>
 #include <QListWidget>
+#include <QMenu>
 #include <QProgressBar>
 #include <QToolButton>
 
@@ -89,7 +90,7 @@ void Form1::LoadQXL(const QString& path) {
     if (plan.tracksEnabled)
         toolButton(QStringLiteral("tracks"))->setEnabled(*plan.tracksEnabled);
     if (plan.quillChannelsEnabled)
-        mnuQuillChannels->setEnabled(*plan.quillChannelsEnabled);
+        mnuQuillChannelsMenu->setEnabled(*plan.quillChannelsEnabled);
 
     AutoScaleY();
     UpdateStatistics();
