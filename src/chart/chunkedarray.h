@@ -26,6 +26,16 @@ public:
     const T& operator[](std::size_t i) const { return blocks_[i / BlockSize][i % BlockSize]; }
     T& operator[](std::size_t i) { return blocks_[i / BlockSize][i % BlockSize]; }
 
+    // Calls f(pointer, count) for the contiguous runs that make up [begin, end).
+    template <class F> void forEachRun(std::size_t begin, std::size_t end, F&& f) const {
+        while (begin < end) {
+            const std::size_t offset = begin % BlockSize;
+            const std::size_t n = std::min(end - begin, BlockSize - offset);
+            f(blocks_[begin / BlockSize].get() + offset, n);
+            begin += n;
+        }
+    }
+
     void push_back(const T& value) {
         if (size_ % BlockSize == 0)
             blocks_.push_back(std::make_unique_for_overwrite<T[]>(BlockSize));

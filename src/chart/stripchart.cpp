@@ -2,6 +2,7 @@
 
 #include "chart/chartmapping.h"
 #include "chart/chartsettingsdialog.h"
+#include "chart/pixelpath.h"
 #include "chart/stripchartmodel.h"
 #include "chart/timeticks.h"
 
@@ -176,6 +177,7 @@ void StripChart::Impl::paintCurves(QPainter& p, const Geometry& g) {
         for (const CurvePoint& c : curve)
             polyline.emplace_back(std::clamp(g.time.toX(c.time), -1.0e6, 1.0e6),
                                   values.toY(c.value));
+        collapsePixelColumns(polyline);
         p.save();
         p.setClipRect(band);
         const QColor color = toQColor(v.color);
@@ -339,7 +341,8 @@ void StripChart::paintEvent(QPaintEvent* event) {
     const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
     if (!d->layerValid || d->layer.size() != pixels || d->layer.devicePixelRatio() != dpr ||
         d->layerRevision != d->model.curveRevision()) {
-        d->layer = QPixmap(pixels);
+        if (d->layer.size() != pixels) // reused otherwise: a full-size allocation per frame costs
+            d->layer = QPixmap(pixels);
         d->layer.setDevicePixelRatio(dpr);
         QPainter lp(&d->layer);
         d->paintBase(lp, g);

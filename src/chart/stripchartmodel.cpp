@@ -436,6 +436,79 @@ std::size_t StripChartModel::upperIndex(const Series& s, std::size_t from, std::
     return from;
 }
 
+// lowerIndex of [from, to) starting at a guess of the answer: doubling steps away from the
+// guess, then a binary search over the last step. With a good guess (the logs are regular) the
+// search reads a few neighbouring times instead of jumping across the whole series.
+std::size_t StripChartModel::lowerIndexNear(const Series& s, std::size_t from, std::size_t to,
+                                            double t, std::size_t guess) const {
+    if (from >= to)
+        return from;
+    guess = std::clamp(guess, from, to - 1);
+    std::size_t step = 1;
+    if (s.x(guess) < t) {
+        std::size_t below = guess; // x[below] < t
+        for (;;) {
+            const std::size_t probe = below + step;
+            if (probe >= to)
+                return lowerIndex(s, below + 1, to, t);
+            if (!(s.x(probe) < t))
+                return lowerIndex(s, below + 1, probe, t);
+            below = probe;
+            step *= 2;
+        }
+    }
+    std::size_t above = guess; // x[above] >= t
+    for (;;) {
+        if (above - from < step)
+            return lowerIndex(s, from, above, t);
+        const std::size_t probe = above - step;
+        if (s.x(probe) < t)
+            return lowerIndex(s, probe + 1, above, t);
+        above = probe;
+        step *= 2;
+    }
+}
+
+// Where the visible points [a, b) split into pixel columns. Variables that share a time column
+// share these too, so one repaint searches the times once instead of once per variable. When a
+// column holds at least four summary groups its edges are snapped to the nearest group
+// boundary: an edge then moves by at most an eighth of a pixel, and the column's query reads a
+// few whole nodes of a high level instead of streaming the lower levels through the cache.
+const std::vector<std::size_t>& StripChartModel::columnCuts(const Series& s, std::size_t a,
+                                                            std::size_t b,
+                                                            const TimeMapping& mapping,
+                                                            std::size_t columns) const {
+    ColumnCuts& cc = cuts_;
+    if (cc.revision == revision_ && cc.column == s.time.get() && cc.a == a && cc.b == b &&
+        cc.mapping.start == mapping.start && cc.mapping.end == mapping.end &&
+        cc.mapping.left == mapping.left && cc.mapping.width == mapping.width &&
+        cc.cuts.size() == columns + 1)
+        return cc.cuts;
+    std::size_t group = 1;
+    while (group * SummaryPyramid::fanout * 4 <= (b - a) / columns)
+        group *= SummaryPyramid::fanout;
+    cc.cuts.assign(columns + 1, b);
+    cc.cuts[0] = a;
+    // Guesses by linear interpolation between the first and last visible time.
+    const double t0 = s.x(a);
+    const double perTime = double(b - 1 - a) / std::max(s.x(b - 1) - t0, 1e-300);
+    std::size_t exact = a;
+    for (std::size_t c = 1; c < columns; ++c) {
+        const double t = mapping.toTime(mapping.left + double(c));
+        const double guess = double(a) + (t - t0) * perTime;
+        exact =
+            lowerIndexNear(s, exact, b, t,
+                           guess > double(exact) ? std::size_t(std::min(guess, double(b))) : exact);
+        cc.cuts[c] = std::clamp((exact + group / 2) / group * group, cc.cuts[c - 1], b);
+    }
+    cc.revision = revision_;
+    cc.column = s.time.get();
+    cc.a = a;
+    cc.b = b;
+    cc.mapping = mapping;
+    return cc.cuts;
+}
+
 // ---- Statistics ----
 
 RangeSummary StripChartModel::dataSummary(int k) const {
@@ -536,21 +609,20 @@ void StripChartModel::curvePoints(int k, const TimeMapping& mapping,
         return;
     const std::size_t columns = std::size_t(std::max(1.0, std::ceil(mapping.width)));
     auto emitRaw = [&](std::size_t i) { out.push_back({s.x(i), s.y[i]}); };
-    // One column's worth of points [a, b): few are drawn as they are, more as first, min, max,
-    // last in the order that keeps the line from first to last continuous.
-    auto emitColumn = [&](std::size_t a, std::size_t b, const RangeSummary& r) {
-        const double first = s.y[a];
-        const double last = s.y[b - 1];
-        const double t0 = s.x(a);
-        out.push_back({t0, first});
+    // One column's worth of points [a, b) as first, min, max, last, in the order that keeps the
+    // line from first to last continuous, all at time t (a time inside the column).
+    auto emitColumn = [&](std::size_t a, std::size_t b, const RangeSummary& r, double t) {
+        const double first = s.summary.valueAt(s.y, a);
+        const double last = s.summary.valueAt(s.y, b - 1);
+        out.push_back({t, first});
         if (first <= last) {
-            out.push_back({t0, r.min()});
-            out.push_back({t0, r.max()});
+            out.push_back({t, r.min()});
+            out.push_back({t, r.max()});
         } else {
-            out.push_back({t0, r.max()});
-            out.push_back({t0, r.min()});
+            out.push_back({t, r.max()});
+            out.push_back({t, r.min()});
         }
-        out.push_back({s.x(b - 1), last});
+        out.push_back({t, last});
     };
 
     if (s.ordered()) {
@@ -567,19 +639,17 @@ void StripChartModel::curvePoints(int k, const TimeMapping& mapping,
         out.reserve(4 * columns + 2);
         if (lo < a)
             emitRaw(lo);
-        std::size_t from = a;
-        for (std::size_t c = 0; c < columns && from < b; ++c) {
-            const std::size_t to =
-                c + 1 == columns
-                    ? b
-                    : lowerIndex(s, from, b, mapping.toTime(mapping.left + double(c + 1)));
+        const std::vector<std::size_t>& cut = columnCuts(s, a, b, mapping, columns);
+        for (std::size_t c = 0; c < columns; ++c) {
+            const std::size_t from = cut[c];
+            const std::size_t to = cut[c + 1];
             if (to - from <= 4) {
                 for (std::size_t i = from; i < to; ++i)
                     emitRaw(i);
             } else {
-                emitColumn(from, to, s.summary.query(s.y, from, to));
+                emitColumn(from, to, s.summary.query(s.y, from, to),
+                           mapping.toTime(mapping.left + double(c) + 0.5));
             }
-            from = to;
         }
         if (hi > b)
             emitRaw(b);
@@ -607,7 +677,7 @@ void StripChartModel::curvePoints(int k, const TimeMapping& mapping,
             for (std::size_t i = runStart; i < runEnd; ++i)
                 emitRaw(i);
         } else {
-            emitColumn(runStart, runEnd, run);
+            emitColumn(runStart, runEnd, run, s.x(runStart));
         }
     };
     for (std::size_t i = s.begin; i < s.end; ++i) {

@@ -159,7 +159,8 @@ public:
     // The points to draw for variable k through the mapping, replacing out. When the window
     // holds few points per pixel column these are the visible points themselves; otherwise each
     // column gives its first, minimum, maximum and last value (so spikes survive) from the
-    // summaries. One point beyond each edge is included so the lines reach the edges.
+    // summaries, placed at the column's middle. One point beyond each edge is included so the
+    // lines reach the edges.
     void curvePoints(int k, const TimeMapping& mapping, std::vector<CurvePoint>& out) const;
 
     // ---- Accounting ----
@@ -180,6 +181,11 @@ private:
     void enforceLimit(Series& s);
     void releaseTimeBlocks(const std::shared_ptr<TimeColumn>& column);
     std::size_t lowerIndex(const Series& s, std::size_t from, std::size_t to, double t) const;
+    std::size_t lowerIndexNear(const Series& s, std::size_t from, std::size_t to, double t,
+                               std::size_t guess) const;
+    const std::vector<std::size_t>& columnCuts(const Series& s, std::size_t a, std::size_t b,
+                                               const TimeMapping& mapping,
+                                               std::size_t columns) const;
     std::size_t upperIndex(const Series& s, std::size_t from, std::size_t to, double t) const;
 
     std::function<void(Change)> listener_;
@@ -200,6 +206,16 @@ private:
     std::array<VariableSettings, variableCount> variables_;
     std::vector<TrackSettings> tracks_;
     std::array<std::unique_ptr<Series>, variableCount> series_;
+
+    struct ColumnCuts {
+        std::uint64_t revision = ~std::uint64_t(0);
+        const TimeColumn* column = nullptr;
+        std::size_t a = 0;
+        std::size_t b = 0;
+        TimeMapping mapping;
+        std::vector<std::size_t> cuts;
+    };
+    mutable ColumnCuts cuts_;
 };
 
 } // namespace trendax

@@ -13,7 +13,8 @@ void SummaryPyramid::update(const ValueColumn& values) {
     {
         NodeColumn& nodes = levels_[0];
         for (std::size_t j = nodes.size(); j < values.size() / fanout; ++j) {
-            Node node{values[j * fanout], values[j * fanout], 0.0};
+            Node node{values[j * fanout], values[j * fanout], 0.0, values[j * fanout],
+                      values[(j + 1) * fanout - 1]};
             for (std::size_t i = j * fanout; i < (j + 1) * fanout; ++i) {
                 const double v = values[i];
                 node.low = std::min(node.low, v);
@@ -40,10 +41,40 @@ void SummaryPyramid::update(const ValueColumn& values) {
                 node.high = std::max(node.high, n.high);
                 node.sum += n.sum;
             }
+            node.last = lower[(j + 1) * fanout - 1].last;
             nodes.push_back(node);
         }
     }
 }
+
+namespace {
+
+void foldValues(RangeSummary& r, const double* p, std::size_t n) {
+    double low = r.low, high = r.high, sum = r.sum;
+    for (std::size_t i = 0; i < n; ++i) {
+        const double v = p[i];
+        low = v < low ? v : low;
+        high = v > high ? v : high;
+        sum += v;
+    }
+    r.low = low;
+    r.high = high;
+    r.sum = sum;
+}
+
+template <class Node> void foldNodes(RangeSummary& r, const Node* p, std::size_t n) {
+    double low = r.low, high = r.high, sum = r.sum;
+    for (std::size_t i = 0; i < n; ++i) {
+        low = p[i].low < low ? p[i].low : low;
+        high = p[i].high > high ? p[i].high : high;
+        sum += p[i].sum;
+    }
+    r.low = low;
+    r.high = high;
+    r.sum = sum;
+}
+
+} // namespace
 
 RangeSummary SummaryPyramid::query(const ValueColumn& values, std::size_t begin,
                                    std::size_t end) const {
@@ -51,37 +82,44 @@ RangeSummary SummaryPyramid::query(const ValueColumn& values, std::size_t begin,
     if (begin >= end)
         return result;
     const std::size_t count = end - begin;
-    std::size_t level = 0; // 0: the values themselves; n: levels_[n - 1]
-    auto take = [&](std::size_t i) {
-        if (level == 0) {
-            const double v = values[i];
-            result.low = std::min(result.low, v);
-            result.high = std::max(result.high, v);
-            result.sum += v;
-        } else {
-            const Node& n = levels_[level - 1][i];
-            result.low = std::min(result.low, n.low);
-            result.high = std::max(result.high, n.high);
-            result.sum += n.sum;
-        }
+    // Reads [a, b) of level 0 (the values) or of levels_[level - 1].
+    auto fold = [&](std::size_t level, std::size_t a, std::size_t b) {
+        if (level == 0)
+            values.forEachRun(a, b,
+                              [&](const double* p, std::size_t n) { foldValues(result, p, n); });
+        else
+            levels_[level - 1].forEachRun(
+                a, b, [&](const Node* p, std::size_t n) { foldNodes(result, p, n); });
     };
-    while (begin < end) {
+    for (std::size_t level = 0; begin < end; ++level) {
         if (level == levels_.size()) {
-            // No level above: read what is left.
-            for (std::size_t i = begin; i < end; ++i)
-                take(i);
+            fold(level, begin, end); // no level above: read what is left
             break;
         }
-        while (begin < end && begin % fanout != 0)
-            take(begin++);
-        while (begin < end && end % fanout != 0)
-            take(--end);
-        begin /= fanout;
-        end /= fanout;
-        ++level;
+        const std::size_t headEnd = std::min(end, (begin + fanout - 1) / fanout * fanout);
+        const std::size_t tailBegin = std::max(headEnd, end / fanout * fanout);
+        fold(level, begin, headEnd);
+        fold(level, tailBegin, end);
+        begin = headEnd / fanout;
+        end = tailBegin / fanout;
     }
     result.count = count;
     return result;
+}
+
+double SummaryPyramid::valueAt(const ValueColumn& values, std::size_t i) const {
+    static_assert(fanout == 16, "the shifts below assume 16 entries per node");
+    // Shifts rather than divisions: this runs twice per pixel column and curve.
+    for (std::size_t level = levels_.size(); level >= 1; --level) {
+        const unsigned shift = unsigned(4 * level);
+        const std::size_t mask = (std::size_t(1) << shift) - 1;
+        const NodeColumn& nodes = levels_[level - 1];
+        if ((i & mask) == 0 && (i >> shift) < nodes.size())
+            return nodes[i >> shift].first;
+        if (((i + 1) & mask) == 0 && ((i + 1) >> shift) <= nodes.size())
+            return nodes[((i + 1) >> shift) - 1].last;
+    }
+    return values[i];
 }
 
 void SummaryPyramid::releaseBefore(std::size_t index) {

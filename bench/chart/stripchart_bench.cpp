@@ -1,0 +1,231 @@
+// Strip chart figures at the reference load: 13 variables x 2,592,000 points (a month of
+// one-second rows appended per day, all variables with the same time column). Repaints of the
+// full chart are compared with the same chart holding 13 x 4,000 points in the same run.
+#include "chart/stripchart.h"
+#include "chart/stripchartmodel.h"
+
+#include <QApplication>
+#include <QImage>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <cstdint>
+#include <fstream>
+#include <memory>
+#include <unistd.h>
+
+namespace {
+
+using namespace trendax;
+
+constexpr int variables = 13;
+constexpr std::size_t rowsPerDay = 86'400;
+constexpr int days = 30;
+constexpr double firstDay = 45'000.0;
+
+// A motor current: a slow swing, some noise and an occasional spike.
+double valueAt(int k, std::size_t row, std::uint64_t& seed) {
+    seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
+    const double noise = double(seed >> 40) / double(1 << 24) - 0.5;
+    const double spike = (row % 50'021) == 7 ? 40.0 : 0.0;
+    return 50.0 + 10.0 * k + 8.0 * std::sin(double(row) / 7'000.0) + 3.0 * noise + spike;
+}
+
+XYArray dayArray(int k, int day, std::size_t rows, std::uint64_t& seed) {
+    XYArray a(2, rows);
+    for (std::size_t i = 0; i < rows; ++i) {
+        const std::size_t row = std::size_t(day) * rowsPerDay + i;
+        a.at(0, i) = firstDay + double(day) + double(i) / double(rowsPerDay);
+        a.at(1, i) = valueAt(k, row, seed);
+    }
+    return a;
+}
+
+void configure(StripChart& chart, int maxPoints) {
+    chart.resize(1920, 1080);
+    chart.setMaxBufferSize(maxPoints);
+    chart.setTrackCount(5);
+    for (int k = 0; k < variables; ++k) {
+        chart.setCurrentVar(k);
+        chart.setVarTrack(k % 5);
+        chart.setVarYMin(0.0);
+        chart.setVarYMax(250.0);
+    }
+}
+
+// Loads `daysLoaded` days of `rows` rows the way the data log reader does: per day, every
+// variable in turn.
+void load(StripChart& chart, int daysLoaded, std::size_t rows) {
+    std::uint64_t seed = 1;
+    for (int day = 0; day < daysLoaded; ++day)
+        for (int k = 0; k < variables; ++k) {
+            const XYArray a = dayArray(k, day, rows, seed);
+            chart.AddXYArray(k, &a);
+        }
+}
+
+StripChart& bigChart() {
+    static StripChart* chart = [] {
+        auto* c = new StripChart;
+        configure(*c, int(rowsPerDay) * days);
+        load(*c, days, rowsPerDay);
+        c->ShowXRange(firstDay, firstDay + days);
+        return c;
+    }();
+    return *chart;
+}
+
+StripChart& smallChart() {
+    static StripChart* chart = [] {
+        auto* c = new StripChart;
+        configure(*c, 20'000);
+        load(*c, 1, 4'000);
+        c->ShowXRange(firstDay, firstDay + 4'000.0 / double(rowsPerDay));
+        return c;
+    }();
+    return *chart;
+}
+
+double smallRepaintSeconds = 0.0;
+
+// Renders the whole widget after a window change, so the curve layer is rebuilt each time.
+double repaint(benchmark::State& state, StripChart& chart, double start, double end) {
+    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    const auto t0 = std::chrono::steady_clock::now();
+    std::int64_t n = 0;
+    for (auto _ : state) {
+        chart.ShowXRange(start, end);
+        chart.render(&image);
+        benchmark::DoNotOptimize(image.constBits());
+        ++n;
+    }
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - t0;
+    return n ? elapsed.count() / double(n) : 0.0;
+}
+
+void BM_RepaintSmall_13x4000(benchmark::State& state) {
+    StripChart& chart = smallChart();
+    smallRepaintSeconds = repaint(state, chart, firstDay, firstDay + 4'000.0 / double(rowsPerDay));
+    state.counters["ms_per_repaint"] = smallRepaintSeconds * 1e3;
+}
+
+void reportRatio(benchmark::State& state, double seconds) {
+    state.counters["ms_per_repaint"] = seconds * 1e3;
+    if (smallRepaintSeconds > 0.0)
+        state.counters["x_small"] = seconds / smallRepaintSeconds;
+}
+
+void BM_RepaintMonth_ZoomAll(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    reportRatio(state, repaint(state, chart, firstDay, firstDay + days));
+}
+
+void BM_RepaintMonth_OneHour(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    const double start = firstDay + 14.5;
+    reportRatio(state, repaint(state, chart, start, start + 1.0 / 24.0));
+}
+
+// The geometry part of the zoom-all repaint: reducing all 13 curves to pixel columns.
+void BM_CurveReductionZoomAll(benchmark::State& state) {
+    const StripChartModel& m = bigChart().model();
+    const TimeMapping mapping{firstDay, firstDay + days, 60.0, 1840.0};
+    std::vector<CurvePoint> out;
+    for (auto _ : state) {
+        std::size_t n = 0;
+        for (int k = 0; k < variables; ++k) {
+            m.curvePoints(k, mapping, out);
+            n += out.size();
+        }
+        benchmark::DoNotOptimize(n);
+    }
+}
+
+// A cursor move keeps the curve layer: the repaint is the cached picture plus one line.
+void BM_CursorMoveRepaint(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    chart.ShowXRange(firstDay, firstDay + days);
+    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    chart.render(&image);
+    int i = 0;
+    for (auto _ : state) {
+        chart.setCursorX(firstDay + 1.0 + double(i++ % 28));
+        chart.render(&image);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+}
+
+// One statistics refresh: the 7 queries of each of the 13 rows after the window and the cursor
+// moved (so nothing is answered from the previous refresh).
+void BM_StatisticsRefresh91(benchmark::State& state) {
+    StripChartModel& m = bigChart().model();
+    int i = 0;
+    for (auto _ : state) {
+        const double start = firstDay + double(i % 29) + 0.013 * (i % 7);
+        m.showXRange(start, start + (i % 2 ? days : 1.0 / 24.0));
+        m.setCursorX(start + 0.01);
+        ++i;
+        double sink = 0.0;
+        for (int k = 0; k < variables; ++k) {
+            sink += m.cursorValue(k);
+            sink += m.dataMax(k) + m.dataAvg(k) + m.dataMin(k);
+            sink += m.viewMax(k) + m.viewAvg(k) + m.viewMin(k);
+        }
+        benchmark::DoNotOptimize(sink);
+    }
+}
+
+std::size_t residentBytes() {
+    std::ifstream statm("/proc/self/statm");
+    std::size_t size = 0, resident = 0;
+    statm >> size >> resident;
+    return resident * std::size_t(sysconf(_SC_PAGESIZE));
+}
+
+// Appending the reference load (array building is not timed), and what it occupies.
+void BM_AppendReferenceLoad(benchmark::State& state) {
+    double modelBytesPerPoint = 0.0;
+    double rssBytesPerPoint = 0.0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        const std::size_t rssBefore = residentBytes();
+        auto chart = std::make_unique<StripChart>();
+        configure(*chart, int(rowsPerDay) * days);
+        std::uint64_t seed = 1;
+        for (int day = 0; day < days; ++day)
+            for (int k = 0; k < variables; ++k) {
+                const XYArray a = dayArray(k, day, rowsPerDay, seed);
+                state.ResumeTiming();
+                chart->AddXYArray(k, &a);
+                state.PauseTiming();
+            }
+        const StripChartModel& m = chart->model();
+        const double points = double(m.storedPoints());
+        modelBytesPerPoint = double(m.allocatedBytes()) / points;
+        rssBytesPerPoint = double(residentBytes() - rssBefore) / points;
+        chart.reset();
+        state.ResumeTiming();
+    }
+    state.counters["model_bytes_per_point"] = modelBytesPerPoint;
+    state.counters["rss_bytes_per_point"] = rssBytesPerPoint;
+    state.counters["points"] = double(variables) * double(rowsPerDay) * days;
+}
+
+BENCHMARK(BM_AppendReferenceLoad)->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(BM_RepaintSmall_13x4000)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_RepaintMonth_ZoomAll)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_RepaintMonth_OneHour)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_CurveReductionZoomAll)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CursorMoveRepaint)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_StatisticsRefresh91)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
