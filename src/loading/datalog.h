@@ -49,6 +49,8 @@ struct DataLogOptions {
     bool dumpTable = false;
     // Called for every row index that is a multiple of 1000, 0 included, with the row count.
     std::function<void(qsizetype row, qsizetype rowCount)> progress;
+    // Called by readDataLog once the file is open, before anything of it is read.
+    std::function<void()> opened;
     // Off: every row takes the general path (the fast path must give the same results).
     bool fastPath = true;
 };
