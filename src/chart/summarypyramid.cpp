@@ -1,6 +1,7 @@
 #include "chart/summarypyramid.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace trendax {
 
@@ -13,8 +14,8 @@ void SummaryPyramid::update(const ValueColumn& values) {
     {
         NodeColumn& nodes = levels_[0];
         for (std::size_t j = nodes.size(); j < values.size() / fanout; ++j) {
-            Node node{values[j * fanout], values[j * fanout], 0.0, values[j * fanout],
-                      values[(j + 1) * fanout - 1]};
+            Node node{values[j * fanout], values[j * fanout], 0.0, float(values[j * fanout]),
+                      float(values[(j + 1) * fanout - 1])};
             for (std::size_t i = j * fanout; i < (j + 1) * fanout; ++i) {
                 const double v = values[i];
                 node.low = std::min(node.low, v);
@@ -108,10 +109,11 @@ RangeSummary SummaryPyramid::query(const ValueColumn& values, std::size_t begin,
 }
 
 double SummaryPyramid::valueAt(const ValueColumn& values, std::size_t i) const {
-    static_assert(fanout == 16, "the shifts below assume 16 entries per node");
+    static_assert(std::has_single_bit(fanout), "the shifts below assume a power of two");
+    constexpr unsigned bits = unsigned(std::countr_zero(fanout));
     // Shifts rather than divisions: this runs twice per pixel column and curve.
     for (std::size_t level = levels_.size(); level >= 1; --level) {
-        const unsigned shift = unsigned(4 * level);
+        const unsigned shift = unsigned(bits * level);
         const std::size_t mask = (std::size_t(1) << shift) - 1;
         const NodeColumn& nodes = levels_[level - 1];
         if ((i & mask) == 0 && (i >> shift) < nodes.size())

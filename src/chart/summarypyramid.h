@@ -41,7 +41,7 @@ using ValueColumn = ChunkedArray<double, 8192>;
 // level, so statistics and per-pixel minima/maxima never scan the points themselves. Sixteen
 // rather than a wider fanout: a pixel column of a month at zoom-all holds about 1,400 points,
 // and the narrower groups halve what its query reads. A node also keeps its first and last
-// value, the ends of a pixel column. All of it costs 2.7 bytes per point. Only complete groups
+// value, the ends of a pixel column. All of it costs 2.1 bytes per point. Only complete groups
 // get a node, which keeps the summaries append-only.
 class SummaryPyramid {
 public:
@@ -52,20 +52,24 @@ public:
     void clear() { levels_.clear(); }
     // Summary of values [begin, end) of the column the pyramid was built on.
     RangeSummary query(const ValueColumn& values, std::size_t begin, std::size_t end) const;
-    // values[i], read from a node that begins or ends with it where there is one: a zoomed-out
-    // repaint then stays inside the small upper levels instead of touching the points.
+    // values[i] for drawing, read from a node that begins or ends with it where there is one (in
+    // single precision): a zoomed-out repaint then stays inside the small upper levels instead of
+    // touching the points.
     double valueAt(const ValueColumn& values, std::size_t i) const;
     // Frees nodes that only cover values before index.
     void releaseBefore(std::size_t index);
     std::size_t allocatedBytes() const;
 
 private:
+    // The ends only place a pixel column's first and last point on screen, where single
+    // precision is far finer than a pixel; halving them keeps the summaries under two bytes a
+    // point. Minimum, maximum and sum feed the statistics and stay exact.
     struct Node {
         double low;
         double high;
         double sum;
-        double first;
-        double last;
+        float first;
+        float last;
     };
     // Small blocks: the upper levels hold only a handful of nodes.
     using NodeColumn = ChunkedArray<Node, 256>;
