@@ -44,23 +44,6 @@ QString commentsFilePath(const QString& appFolder, const QString& siteCode) {
                                               siteCode + QStringLiteral("USEREVENTS.TXT")));
 }
 
-Layout layoutFor(int numChannels) {
-    switch (numChannels) {
-    case 1:
-        return Layout::SingleChannel;
-    case 2:
-    case 3:
-    case 4:
-        return Layout::Unchanged;
-    case 5:
-        return Layout::Separate;
-    case 8:
-        return Layout::GaugeChannels;
-    default:
-        return Layout::AllChannels;
-    }
-}
-
 namespace {
 
 // The date of one code with its two log lines; a code that is no date ends the load.

@@ -8,7 +8,7 @@
 #include <optional>
 
 // Loading a site over a range of days: the selection the main window keeps, the date codes and
-// the range rule, the day file names, the two passes over the date codes and the layout choice.
+// the range rule, the day file names and the two passes over the date codes.
 namespace trendax {
 
 // The main window's copy of the chosen site node and range.
@@ -37,10 +37,6 @@ bool dayInRange(datetime::DateTime fdate, datetime::DateTime startdate, datetime
 QString dataLogPath(const NodeCopy& node, const QString& code);
 QString historyFilePath(const NodeCopy& node, const QString& code);
 QString commentsFilePath(const QString& appFolder, const QString& siteCode);
-
-// The channel layout chosen after a load by the load's channel count.
-enum class Layout { Unchanged, SingleChannel, Separate, GaugeChannels, AllChannels };
-Layout layoutFor(int numChannels);
 
 // What the two passes do to the window; every hook may be left empty.
 struct WellLoadHooks {

@@ -34,16 +34,6 @@ TEST(DateRange, IsInclusiveByCalendarDay) {
     EXPECT_TRUE(dayInRange(day(2012, 3, 20), day(2012, 3, 14, 23, 59), day(2012, 3, 20)));
 }
 
-TEST(Layouts, ChosenByTheLoadsChannelCount) {
-    EXPECT_EQ(layoutFor(1), Layout::SingleChannel);
-    for (int n : {2, 3, 4})
-        EXPECT_EQ(layoutFor(n), Layout::Unchanged);
-    EXPECT_EQ(layoutFor(5), Layout::Separate);
-    EXPECT_EQ(layoutFor(8), Layout::GaugeChannels);
-    for (int n : {0, 6, 7, 9, 13, 88, -1})
-        EXPECT_EQ(layoutFor(n), Layout::AllChannels) << n;
-}
-
 TEST(NodeSelection, AChildlessNodeLeavesOneEmptyDateCode) {
     EXPECT_EQ(CopySelectedNode("AB12", "/h", {}, 1, 2).dates, QStringList{QString()});
     const NodeCopy node = CopySelectedNode("AB12", "/h", {"031512", "031612"}, 1, 2);
@@ -158,7 +148,6 @@ TEST(WellLoad, AMixOfFiveAndThirteenChannelDaysLoadsAllChannels) {
     CoreLoad core;
     load(app.path(), node, core);
     EXPECT_EQ(core.state.numChannels, 13);
-    EXPECT_EQ(layoutFor(core.state.numChannels), Layout::AllChannels);
     EXPECT_THAT(core.points, ElementsAre(288, 288));
     EXPECT_EQ(core.state.XMin, day(2012, 3, 15));
     EXPECT_EQ(core.state.XMax, day(2012, 3, 16, 23, 55));
