@@ -7,6 +7,7 @@
 #include "app/form1.h"
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
+#include "loading/heap.h"
 #include "opendlg/dlgopen.h"
 #include "opendlg/sitetree.h"
 #include "storage/datetime.h"
@@ -26,6 +27,7 @@
 #include <QTreeWidgetItem>
 #include <cstdio>
 #include <sys/resource.h>
+#include <unistd.h>
 
 using namespace trendax;
 
@@ -40,6 +42,16 @@ public:
     }
     bool writeSetting(const QString&, const QString&, const QString&) override { return true; }
 };
+
+double residentMegabytes() {
+    long pages = 0, resident = 0;
+    if (FILE* f = std::fopen("/proc/self/statm", "r")) {
+        if (std::fscanf(f, "%ld %ld", &pages, &resident) != 2)
+            resident = 0;
+        std::fclose(f);
+    }
+    return resident * (sysconf(_SC_PAGESIZE) / 1048576.0);
+}
 
 double peakResidentMegabytes() {
     rusage usage{};
@@ -96,6 +108,7 @@ int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
+    trendax::keepLargeBlocksForReuse();
     QStringList args = app.arguments();
     const bool json = args.removeAll(QStringLiteral("--json")) > 0;
     if (args.size() != 5) {
@@ -129,6 +142,7 @@ int main(int argc, char** argv) {
     window.show();
     QApplication::processEvents();
 
+    const double residentBefore = residentMegabytes();
     QElapsedTimer timer;
     timer.start();
     window.CopySelectedNode(&node, *start, *end);
@@ -136,8 +150,10 @@ int main(int argc, char** argv) {
     const double seconds = timer.nsecsElapsed() / 1e9;
 
     const double rows = window.LoadedRowTotal;
-    std::printf("LoadWell: %.3f s, %.0f rows, %.0f rows/s, peak RSS %.1f MB\n", seconds, rows,
-                seconds > 0 ? rows / seconds : 0.0, peakResidentMegabytes());
+    std::printf("LoadWell: %.3f s, %.0f rows, %.0f rows/s, peak RSS %.1f MB (%.1f MB before the "
+                "load, chart %.1f MB)\n",
+                seconds, rows, seconds > 0 ? rows / seconds : 0.0, peakResidentMegabytes(),
+                residentBefore, window.Strip1->model().allocatedBytes() / 1048576.0);
     if (json) {
         QJsonObject o = report(window, appFolder);
         o["seconds"] = seconds;

@@ -4,6 +4,7 @@
 #include "chart/xyarray.h"
 #include "loading/wellload.h"
 
+#include <QElapsedTimer>
 #include <QMainWindow>
 #include <QPointer>
 #include <QStringList>
@@ -137,6 +138,12 @@ public:
     void CopySelectedNode(const QTreeWidgetItem* node, double startdate, double enddate);
     void LoadWell();
     void LoadQXL(const QString& path);
+    // Lets pending window events run. Throttled calls (every 1000 rows, after every channel of a
+    // load) run them at most every 40 ms: the window stays responsive and repaints as often as
+    // anyone can see, and a fast load is not slowed down by repainting thousands of times.
+    void LetEventsRun(bool throttled = false);
+    // Whether a throttled LetEventsRun would run events now.
+    bool eventsDue() const;
     void DebugOutBegin();
     void DebugOut(const QString& message);
     void OpenSite();
@@ -196,6 +203,7 @@ private:
     std::unique_ptr<DebugLog> debugLog_;
     QPointer<dlgProgress> progress_;
     QPointer<dlgOpen> keptOpenDialog_;
+    QElapsedTimer eventPump_;
     int lastBandWidth_ = 0;
     bool resizing_ = false;
     bool cursorBusy_ = false;

@@ -1,5 +1,6 @@
 #include "app/dialogs.h"
 #include "app/form1.h"
+#include "loading/heap.h"
 #include "storage/environment.h"
 
 #include <QApplication>
@@ -7,6 +8,7 @@
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
+    trendax::keepLargeBlocksForReuse();
     QApplication::setApplicationName(QStringLiteral("Trendax2"));
     // The argument text is everything after the program's name, as typed.
     QStringList words = QApplication::arguments();

@@ -30,7 +30,12 @@ void Form1::LoadQXL(const QString& path) {
     options.debugOut = [this](const QString& message) { DebugOut(message); };
     options.dumpTable = bbDebugOut; // the dump is costly and nobody sees it with the log off
     dlgProgress* progress = progress_;
-    options.progress = [progress](qsizetype row, qsizetype rowCount) {
+    options.progress = [this, progress](qsizetype row, qsizetype rowCount) {
+        // Every 1000 rows, but shown only when events are due to run: a progress bar repaints
+        // itself at once on every new value, and thousands of repaints would cost more than the
+        // reading.
+        if (!eventsDue())
+            return;
         if (progress) {
             progress->lblLines->setText(
                 QStringLiteral("Reading line %1 of %2").arg(row).arg(rowCount));
@@ -40,7 +45,17 @@ void Form1::LoadQXL(const QString& path) {
             bar->setValue(bar->maximum() > bar->value() ? int(row) : 0);
             progress->bringToFront();
         }
-        QCoreApplication::processEvents();
+        LetEventsRun();
+    };
+
+    options.opened = [this] {
+        // Slots this file is sure to replace are let go before it is read, so that a day's arrays
+        // are not held twice: channel 1 always, and every slot below the load's channel count,
+        // which never falls during a load.
+        for (int k = 1; k <= int(HandoverArray.size()); ++k) {
+            if (k == 1 || numChannels > k - 1)
+                HandoverArray[size_t(k - 1)].reset();
+        }
     };
 
     // A file that cannot be opened throws and ends the whole load.
@@ -66,7 +81,7 @@ void Form1::LoadQXL(const QString& path) {
             HandoverArray[k] = result.channels[k];
     }
     DebugOut(QStringLiteral("LoadQXL: vararrys loaded"));
-    QCoreApplication::processEvents();
+    LetEventsRun();
 
     const HandoverPlan plan = planHandover(numChannels);
     for (const HandoverStep& step : plan.steps) {
@@ -85,7 +100,7 @@ void Form1::LoadQXL(const QString& path) {
             Strip1->setVarVisible(*step.visible);
         if (step.checkMenuItem > 0)
             mnuChannel[size_t(step.checkMenuItem - 1)]->setChecked(true);
-        QCoreApplication::processEvents();
+        LetEventsRun(true);
     }
     if (plan.tracksEnabled)
         toolButton(QStringLiteral("tracks"))->setEnabled(*plan.tracksEnabled);
@@ -98,6 +113,17 @@ void Form1::LoadQXL(const QString& path) {
 
 dlgProgress* Form1::progressDialog() const {
     return progress_;
+}
+
+bool Form1::eventsDue() const {
+    return !eventPump_.isValid() || eventPump_.elapsed() >= 40;
+}
+
+void Form1::LetEventsRun(bool throttled) {
+    if (throttled && !eventsDue())
+        return;
+    QCoreApplication::processEvents();
+    eventPump_.start();
 }
 
 void Form1::OpenSite() {
