@@ -7,14 +7,19 @@ JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 APP        := $(BUILD_RUN)/trendax2
 
 DEBIAN_PACKAGES := cmake make g++ pkg-config qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins \
-	libgl-dev libgtest-dev libgmock-dev libbenchmark-dev clang libclang-rt-14-dev \
-	fonts-dejavu-core fontconfig xdg-utils xvfb xauth poppler-utils
+	libgl-dev libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core fontconfig \
+	xdg-utils poppler-utils
+# libFuzzer comes with clang's runtime; only `make fuzz` needs it.
+FUZZ_PACKAGES := clang libclang-rt-14-dev
 
-.PHONY: run test deps build-release build-test screenshot fuzz bench clean
+.PHONY: run test deps install-packages build-release build-test screenshot fuzz bench clean
 
 deps:
+	@$(MAKE) --no-print-directory install-packages PACKAGES="$(DEBIAN_PACKAGES)"
+
+install-packages:
 	@missing=""; \
-	for p in $(DEBIAN_PACKAGES); do \
+	for p in $(PACKAGES); do \
 		dpkg-query -W -f='$${Status}\n' $$p 2>/dev/null | grep -q '^install ok installed' || missing="$$missing $$p"; \
 	done; \
 	if [ -n "$$missing" ]; then \
@@ -53,6 +58,7 @@ bench: deps
 	@echo "Benchmarks are in build/bench/bench/."
 
 fuzz: deps
+	@$(MAKE) --no-print-directory install-packages PACKAGES="$(FUZZ_PACKAGES)"
 	./fuzz/run.sh
 
 clean:
