@@ -50,7 +50,7 @@ test: build-test
 
 # A picture of the main window with sample data, rendered offscreen, for the README.
 screenshot: build-release
-	$(BUILD_RUN)/trendax-screenshot examples/field-media docs/screenshot.png
+	$(BUILD_RUN)/trendax-screenshot examples/field-media docs/screenshot.png WL13 docs/open-dialog.png
 
 bench: deps
 	cmake -S . -B build/bench -DCMAKE_BUILD_TYPE=Release -DTRENDAX_TESTS=OFF

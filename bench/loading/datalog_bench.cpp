@@ -12,10 +12,10 @@ const QByteArray& day(int channels, gen::TimeForm form) {
     static std::map<std::pair<int, int>, QByteArray> days;
     auto& bytes = days[{channels, int(form)}];
     if (bytes.isEmpty()) {
-        gen::SiteSpec spec;
-        spec.channels = channels;
-        spec.timeForm = form;
-        bytes = gen::dataLogDay(spec, 0);
+        gen::SiteSpec siteSpec;
+        siteSpec.channels = channels;
+        siteSpec.timeForm = form;
+        bytes = gen::dataLogDay(siteSpec, 0);
     }
     return bytes;
 }

@@ -146,13 +146,13 @@ void Form1::buildToolbar() {
     Toolbar1->toggleViewAction()->setEnabled(false);
     Toolbar1->installEventFilter(this);
 
-    for (const ButtonSpec& spec : buttonSpecs) {
-        const QString key = QString::fromLatin1(spec.key);
+    for (const ButtonSpec& face : buttonSpecs) {
+        const QString key = QString::fromLatin1(face.key);
         auto* button = new QToolButton(Toolbar1);
         button->setObjectName(key);
-        button->setText(QString::fromLatin1(spec.caption));
-        button->setToolTip(QString::fromLatin1(spec.tip));
-        button->setIcon(toolbarIcon(QString::fromLatin1(spec.image)));
+        button->setText(QString::fromLatin1(face.caption));
+        button->setToolTip(QString::fromLatin1(face.tip));
+        button->setIcon(toolbarIcon(QString::fromLatin1(face.image)));
         button->setToolButtonStyle(Qt::ToolButtonTextUnderIcon);
         button->setAutoRaise(true);
         button->installEventFilter(this);

@@ -129,6 +129,9 @@ void dlgOpen::createControls() {
     Dir1->setHeaderHidden(true);
     for (int column = 1; column < dirModel_->columnCount(); ++column)
         Dir1->hideColumn(column);
+    // The model lists folders in the background: keep the chosen folder in view as they arrive.
+    connect(dirModel_, &QFileSystemModel::directoryLoaded, Dir1,
+            [this] { Dir1->scrollTo(Dir1->currentIndex()); });
     File1 = new QListWidget(this);
     File1->setSelectionMode(QAbstractItemView::NoSelection);
 

@@ -263,10 +263,10 @@ void expectSameArrays(const DataLogResult& a, const DataLogResult& b) {
 
 TEST(DataLogPaths, FastAndGeneralPathsAgreeOnGeneratedDays) {
     for (const gen::TimeForm form : {gen::TimeForm::Hundredths, gen::TimeForm::AmPm}) {
-        gen::SiteSpec spec;
-        spec.rowsPerDay = 5000;
-        spec.timeForm = form;
-        const QByteArray bytes = gen::dataLogDay(spec, 0);
+        gen::SiteSpec siteSpec;
+        siteSpec.rowsPerDay = 5000;
+        siteSpec.timeForm = form;
+        const QByteArray bytes = gen::dataLogDay(siteSpec, 0);
         LoadState fastState, generalState;
         const Read fast = read(bytes, fastState, false, true);
         const Read general = read(bytes, generalState, false, false);

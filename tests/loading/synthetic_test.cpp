@@ -11,25 +11,25 @@ namespace trendax {
 namespace {
 
 TEST(Generator, IsDeterministicAndDiffersBySeedAndDay) {
-    gen::SiteSpec spec;
-    spec.rowsPerDay = 500;
-    EXPECT_EQ(gen::dataLogDay(spec, 0), gen::dataLogDay(spec, 0));
-    EXPECT_NE(gen::dataLogDay(spec, 0), gen::dataLogDay(spec, 1));
-    gen::SiteSpec other = spec;
+    gen::SiteSpec siteSpec;
+    siteSpec.rowsPerDay = 500;
+    EXPECT_EQ(gen::dataLogDay(siteSpec, 0), gen::dataLogDay(siteSpec, 0));
+    EXPECT_NE(gen::dataLogDay(siteSpec, 0), gen::dataLogDay(siteSpec, 1));
+    gen::SiteSpec other = siteSpec;
     other.seed = 2;
-    EXPECT_NE(gen::dataLogDay(spec, 0), gen::dataLogDay(other, 0));
-    EXPECT_EQ(gen::historyDay(spec, 3), gen::historyDay(spec, 3));
+    EXPECT_NE(gen::dataLogDay(siteSpec, 0), gen::dataLogDay(other, 0));
+    EXPECT_EQ(gen::historyDay(siteSpec, 3), gen::historyDay(siteSpec, 3));
 }
 
 TEST(Generator, EveryChannelSetReadsWithoutBadRowsInBothTimeForms) {
     for (const int channels : {1, 5, 8, 13}) {
         for (const gen::TimeForm form : {gen::TimeForm::Hundredths, gen::TimeForm::AmPm}) {
-            gen::SiteSpec spec;
-            spec.channels = channels;
-            spec.timeForm = form;
-            spec.rowsPerDay = 1440;
+            gen::SiteSpec siteSpec;
+            siteSpec.channels = channels;
+            siteSpec.timeForm = form;
+            siteSpec.rowsPerDay = 1440;
             LoadState state;
-            const DataLogResult r = parseDataLog(gen::dataLogDay(spec, 0), state);
+            const DataLogResult r = parseDataLog(gen::dataLogDay(siteSpec, 0), state);
             EXPECT_EQ(r.fieldCount, channels + 3);
             EXPECT_EQ(r.rowCount, 1440);
             EXPECT_EQ(r.badRowCount, 0);
@@ -40,11 +40,11 @@ TEST(Generator, EveryChannelSetReadsWithoutBadRowsInBothTimeForms) {
 }
 
 TEST(Generator, MotorCurrentsStartStopAndSpike) {
-    gen::SiteSpec spec;
-    spec.channels = 5;
-    spec.days = 1;
+    gen::SiteSpec siteSpec;
+    siteSpec.channels = 5;
+    siteSpec.days = 1;
     LoadState state;
-    const DataLogResult r = parseDataLog(gen::dataLogDay(spec, 0), state);
+    const DataLogResult r = parseDataLog(gen::dataLogDay(siteSpec, 0), state);
     const XYArray& phaseA = *r.channels[0];
     double peak = 0, running = 0;
     std::size_t stopped = 0, on = 0;
@@ -63,8 +63,8 @@ TEST(Generator, MotorCurrentsStartStopAndSpike) {
 }
 
 TEST(Generator, HistoryLinesHaveTheControllersFixedColumns) {
-    gen::SiteSpec spec;
-    const QList<QByteArray> lines = gen::historyDay(spec, 0).split('\n');
+    gen::SiteSpec siteSpec;
+    const QList<QByteArray> lines = gen::historyDay(siteSpec, 0).split('\n');
     ASSERT_GE(lines.size(), 3);
     for (const QByteArray& raw : lines) {
         if (raw.isEmpty())
@@ -78,18 +78,18 @@ TEST(Generator, HistoryLinesHaveTheControllersFixedColumns) {
 
 TEST(Generator, WritesHomeAndControllerNames) {
     test::ScratchFolder dir;
-    gen::SiteSpec spec;
-    spec.rowsPerDay = 10;
-    spec.days = 2;
-    ASSERT_TRUE(gen::writeSite(spec, dir.file("app")));
+    gen::SiteSpec siteSpec;
+    siteSpec.rowsPerDay = 10;
+    siteSpec.days = 2;
+    ASSERT_TRUE(gen::writeSite(siteSpec, dir.file("app")));
     EXPECT_EQ(
         QDir(dir.file("app/logfiles")).entryList(QDir::Files),
         (QStringList{"AB12031512.CSV", "AB12031512.TXT", "AB12031612.CSV", "AB12031612.TXT"}));
     EXPECT_EQ(dir.read("app/cnffiles/AB12SCAL.TXT"), QByteArray("2\r\n"));
     EXPECT_EQ(dir.read("app/cnffiles/AB12OFFS.TXT"), QByteArray("-1\r\n"));
 
-    spec.naming = gen::Naming::Controller;
-    ASSERT_TRUE(gen::writeSite(spec, dir.file("media")));
+    siteSpec.naming = gen::Naming::Controller;
+    ASSERT_TRUE(gen::writeSite(siteSpec, dir.file("media")));
     EXPECT_EQ(QDir(dir.file("media")).entryList(QDir::Files),
               (QStringList{"AB120315.CSV", "AB120315.HST", "AB120316.CSV", "AB120316.HST",
                            "AB12OFFS.TXT", "AB12SCAL.TXT"}));

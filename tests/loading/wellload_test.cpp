@@ -135,13 +135,13 @@ void load(const QString& app, const NodeCopy& node, CoreLoad& out) {
 
 TEST(WellLoad, AMixOfFiveAndThirteenChannelDaysLoadsAllChannels) {
     test::ScratchFolder app;
-    gen::SiteSpec spec;
-    spec.rowsPerDay = 288;
-    spec.channels = 5;
-    ASSERT_TRUE(gen::writeSite(spec, app.path()));
-    spec.channels = 13;
-    spec.start = spec.start.addDays(1);
-    ASSERT_TRUE(gen::writeSite(spec, app.path()));
+    gen::SiteSpec siteSpec;
+    siteSpec.rowsPerDay = 288;
+    siteSpec.channels = 5;
+    ASSERT_TRUE(gen::writeSite(siteSpec, app.path()));
+    siteSpec.channels = 13;
+    siteSpec.start = siteSpec.start.addDays(1);
+    ASSERT_TRUE(gen::writeSite(siteSpec, app.path()));
 
     const NodeCopy node = CopySelectedNode("AB12", app.file("logfiles"), {"031512", "031612"},
                                            day(2012, 3, 15), day(2012, 3, 16));
@@ -155,11 +155,11 @@ TEST(WellLoad, AMixOfFiveAndThirteenChannelDaysLoadsAllChannels) {
 
 TEST(WellLoad, ADeletedDataLogEndsTheLoadAndKeepsTheDaysBefore) {
     test::ScratchFolder app;
-    gen::SiteSpec spec;
-    spec.rowsPerDay = 24;
-    spec.channels = 8;
-    spec.days = 3;
-    ASSERT_TRUE(gen::writeSite(spec, app.path()));
+    gen::SiteSpec siteSpec;
+    siteSpec.rowsPerDay = 24;
+    siteSpec.channels = 8;
+    siteSpec.days = 3;
+    ASSERT_TRUE(gen::writeSite(siteSpec, app.path()));
     ASSERT_TRUE(QFile::remove(app.file("logfiles/AB12031612.CSV")));
 
     const NodeCopy node =

@@ -23,14 +23,14 @@ namespace {
 class OpenCommand : public ::testing::Test {
 protected:
     OpenCommand() {
-        gen::SiteSpec spec;
-        spec.site = QStringLiteral("WL05");
-        spec.channels = 5;
-        spec.start = QDate(2012, 3, 14);
-        spec.days = 3;
-        spec.rowsPerDay = 240;
-        spec.naming = gen::Naming::Controller;
-        EXPECT_TRUE(gen::writeSite(spec, media.path()));
+        gen::SiteSpec siteSpec;
+        siteSpec.site = QStringLiteral("WL05");
+        siteSpec.channels = 5;
+        siteSpec.start = QDate(2012, 3, 14);
+        siteSpec.days = 3;
+        siteSpec.rowsPerDay = 240;
+        siteSpec.naming = gen::Naming::Controller;
+        EXPECT_TRUE(gen::writeSite(siteSpec, media.path()));
     }
 
     // Runs the open command; `drive` acts on the modal dialog once it is up.

@@ -49,44 +49,44 @@ int main(int argc, char** argv) {
     if (!parser.isSet(out))
         return fail("--out is required");
 
-    gen::SiteSpec spec;
-    spec.site = parser.value(site);
-    if (spec.site.size() != 4)
+    gen::SiteSpec siteSpec;
+    siteSpec.site = parser.value(site);
+    if (siteSpec.site.size() != 4)
         return fail("the site code must have four characters");
-    spec.channels = parser.value(channels).toInt();
-    if (spec.channels < 1 || spec.channels > 13)
+    siteSpec.channels = parser.value(channels).toInt();
+    if (siteSpec.channels < 1 || siteSpec.channels > 13)
         return fail("--channels must be 1 to 13");
     const auto first = datetime::parse(parser.value(start));
     if (!first)
         return fail("--start must be a date MM/DD/YY");
     const datetime::Civil c = datetime::toCivil(*first);
-    spec.start = QDate(c.year, c.month, c.day);
-    spec.days = parser.value(days).toInt();
-    spec.rowsPerDay = parser.value(rows).toInt();
+    siteSpec.start = QDate(c.year, c.month, c.day);
+    siteSpec.days = parser.value(days).toInt();
+    siteSpec.rowsPerDay = parser.value(rows).toInt();
     if (parser.isSet(interval)) {
         const double seconds = parser.value(interval).toDouble();
         if (seconds <= 0)
             return fail("--interval must be positive");
-        spec.rowsPerDay = int(86400.0 / seconds);
+        siteSpec.rowsPerDay = int(86400.0 / seconds);
     }
-    if (spec.days < 1 || spec.rowsPerDay < 1)
+    if (siteSpec.days < 1 || siteSpec.rowsPerDay < 1)
         return fail("--days and --rows must be positive");
     if (parser.value(time) == "ampm")
-        spec.timeForm = gen::TimeForm::AmPm;
+        siteSpec.timeForm = gen::TimeForm::AmPm;
     else if (parser.value(time) != "hundredths")
         return fail("--time must be hundredths or ampm");
     if (parser.value(names) == "controller")
-        spec.naming = gen::Naming::Controller;
+        siteSpec.naming = gen::Naming::Controller;
     else if (parser.value(names) != "home")
         return fail("--names must be home or controller");
-    spec.seed = parser.value(seed).toULongLong();
-    spec.history = !parser.isSet(noHistory);
-    spec.factors = !parser.isSet(noFactors);
-    spec.scaleText = parser.value(scale);
-    spec.offsetText = parser.value(offset);
+    siteSpec.seed = parser.value(seed).toULongLong();
+    siteSpec.history = !parser.isSet(noHistory);
+    siteSpec.factors = !parser.isSet(noFactors);
+    siteSpec.scaleText = parser.value(scale);
+    siteSpec.offsetText = parser.value(offset);
 
     QString error;
-    if (!gen::writeSite(spec, parser.value(out), &error))
+    if (!gen::writeSite(siteSpec, parser.value(out), &error))
         return fail(error);
     return 0;
 }

@@ -36,9 +36,9 @@ private:
     std::uint64_t state_;
 };
 
-std::uint64_t daySeed(const SiteSpec& spec, int dayIndex) {
-    std::uint64_t h = spec.seed * 0x100000001B3ull;
-    for (const QChar c : spec.site)
+std::uint64_t daySeed(const SiteSpec& siteSpec, int dayIndex) {
+    std::uint64_t h = siteSpec.seed * 0x100000001B3ull;
+    for (const QChar c : siteSpec.site)
         h = (h ^ c.unicode()) * 0x100000001B3ull;
     return h ^ (std::uint64_t(dayIndex + 1) * 0x9E3779B97F4A7C15ull);
 }
@@ -94,7 +94,7 @@ struct Event {
 // whose voltage sags with the load, and downhole gauges that follow it slowly.
 class Well {
 public:
-    Well(const SiteSpec& spec, int dayIndex) : rng_(daySeed(spec, dayIndex)) {
+    Well(const SiteSpec& siteSpec, int dayIndex) : rng_(daySeed(siteSpec, dayIndex)) {
         running_ = rng_.chance(0.8);
         untilChange_ = running_ ? rng_.range(3600, 6 * 3600) : rng_.range(300, 1800);
         load_ = rng_.range(35, 55);
@@ -244,9 +244,9 @@ QByteArray dayDateText(const QDate& date) {
 
 // Runs the well through the day, handing every row's time and sample to the visitor.
 template <typename Visit>
-std::vector<Event> simulateDay(const SiteSpec& spec, int dayIndex, Visit&& visit) {
-    Well well(spec, dayIndex);
-    const int rows = std::max(1, spec.rowsPerDay);
+std::vector<Event> simulateDay(const SiteSpec& siteSpec, int dayIndex, Visit&& visit) {
+    Well well(siteSpec, dayIndex);
+    const int rows = std::max(1, siteSpec.rowsPerDay);
     const double dt = 86400.0 / rows;
     for (int j = 0; j < rows; ++j) {
         const long long hundredths = (long long)j * 8'640'000 / rows;
@@ -272,36 +272,37 @@ QString dateCode(const QDate& date) {
     return QString::fromLatin1(dayDateText(date)).remove(QLatin1Char('/'));
 }
 
-QString dataLogName(const SiteSpec& spec, const QDate& date) {
+QString dataLogName(const SiteSpec& siteSpec, const QDate& date) {
     const QString code = dateCode(date);
-    return spec.site + (spec.naming == Naming::Home ? code : code.left(4)) + QStringLiteral(".CSV");
+    return siteSpec.site + (siteSpec.naming == Naming::Home ? code : code.left(4)) +
+           QStringLiteral(".CSV");
 }
 
-QString historyName(const SiteSpec& spec, const QDate& date) {
+QString historyName(const SiteSpec& siteSpec, const QDate& date) {
     const QString code = dateCode(date);
-    return spec.naming == Naming::Home ? spec.site + code + QStringLiteral(".TXT")
-                                       : spec.site + code.left(4) + QStringLiteral(".HST");
+    return siteSpec.naming == Naming::Home ? siteSpec.site + code + QStringLiteral(".TXT")
+                                           : siteSpec.site + code.left(4) + QStringLiteral(".HST");
 }
 
-QByteArray dataLogDay(const SiteSpec& spec, int dayIndex) {
-    const QDate date = spec.start.addDays(dayIndex);
-    QByteArray prefix = spec.site.toLatin1() + ',' + dayDateText(date) + ',';
+QByteArray dataLogDay(const SiteSpec& siteSpec, int dayIndex) {
+    const QDate date = siteSpec.start.addDays(dayIndex);
+    QByteArray prefix = siteSpec.site.toLatin1() + ',' + dayDateText(date) + ',';
     QByteArray out;
-    out.reserve(qsizetype(std::max(1, spec.rowsPerDay)) * (24 + 8 * spec.channels));
-    simulateDay(spec, dayIndex, [&](long long hundredths, const Sample& s) {
+    out.reserve(qsizetype(std::max(1, siteSpec.rowsPerDay)) * (24 + 8 * siteSpec.channels));
+    simulateDay(siteSpec, dayIndex, [&](long long hundredths, const Sample& s) {
         out += prefix;
-        appendTime(out, hundredths, spec.timeForm);
-        appendChannels(out, s, spec.channels);
+        appendTime(out, hundredths, siteSpec.timeForm);
+        appendChannels(out, s, siteSpec.channels);
         out += "\r\n";
     });
     return out;
 }
 
-QByteArray historyDay(const SiteSpec& spec, int dayIndex) {
-    const QDate date = spec.start.addDays(dayIndex);
-    std::vector<Event> events = simulateDay(spec, dayIndex, [](long long, const Sample&) {});
+QByteArray historyDay(const SiteSpec& siteSpec, int dayIndex) {
+    const QDate date = siteSpec.start.addDays(dayIndex);
+    std::vector<Event> events = simulateDay(siteSpec, dayIndex, [](long long, const Sample&) {});
     // Gauge alarms of the day, from the downhole equipment's own checks.
-    Random rng(daySeed(spec, dayIndex) ^ 0xA5A5A5A5ull);
+    Random rng(daySeed(siteSpec, dayIndex) ^ 0xA5A5A5A5ull);
     static const char* const alarms[] = {"HI21", "HI22", "HI25", "HI29", "HI36", "HI37"};
     const int count = int(rng.range(0, 3));
     for (int i = 0; i < count; ++i)
@@ -333,8 +334,8 @@ QByteArray historyDay(const SiteSpec& spec, int dayIndex) {
     return out;
 }
 
-bool writeSite(const SiteSpec& spec, const QString& folder, QString* error) {
-    const bool home = spec.naming == Naming::Home;
+bool writeSite(const SiteSpec& siteSpec, const QString& folder, QString* error) {
+    const bool home = siteSpec.naming == Naming::Home;
     const QString logs = home ? folder + QStringLiteral("/logfiles") : folder;
     const QString config = home ? folder + QStringLiteral("/cnffiles") : folder;
     if (!QDir().mkpath(logs) || !QDir().mkpath(config)) {
@@ -342,20 +343,20 @@ bool writeSite(const SiteSpec& spec, const QString& folder, QString* error) {
             *error = QStringLiteral("cannot create ") + logs;
         return false;
     }
-    for (int d = 0; d < spec.days; ++d) {
-        const QDate date = spec.start.addDays(d);
-        if (!writeFile(logs + QLatin1Char('/') + dataLogName(spec, date), dataLogDay(spec, d),
-                       error))
+    for (int d = 0; d < siteSpec.days; ++d) {
+        const QDate date = siteSpec.start.addDays(d);
+        if (!writeFile(logs + QLatin1Char('/') + dataLogName(siteSpec, date),
+                       dataLogDay(siteSpec, d), error))
             return false;
-        if (spec.history && !writeFile(logs + QLatin1Char('/') + historyName(spec, date),
-                                       historyDay(spec, d), error))
+        if (siteSpec.history && !writeFile(logs + QLatin1Char('/') + historyName(siteSpec, date),
+                                           historyDay(siteSpec, d), error))
             return false;
     }
-    if (spec.factors) {
-        if (!writeFile(config + QLatin1Char('/') + spec.site + QStringLiteral("SCAL.TXT"),
-                       spec.scaleText.toLatin1() + "\r\n", error) ||
-            !writeFile(config + QLatin1Char('/') + spec.site + QStringLiteral("OFFS.TXT"),
-                       spec.offsetText.toLatin1() + "\r\n", error))
+    if (siteSpec.factors) {
+        if (!writeFile(config + QLatin1Char('/') + siteSpec.site + QStringLiteral("SCAL.TXT"),
+                       siteSpec.scaleText.toLatin1() + "\r\n", error) ||
+            !writeFile(config + QLatin1Char('/') + siteSpec.site + QStringLiteral("OFFS.TXT"),
+                       siteSpec.offsetText.toLatin1() + "\r\n", error))
             return false;
     }
     return true;

@@ -39,16 +39,16 @@ struct SiteSpec {
 };
 
 // The bytes of day dayIndex (0 = start) of the site's data log and history file.
-QByteArray dataLogDay(const SiteSpec& spec, int dayIndex);
-QByteArray historyDay(const SiteSpec& spec, int dayIndex);
+QByteArray dataLogDay(const SiteSpec& siteSpec, int dayIndex);
+QByteArray historyDay(const SiteSpec& siteSpec, int dayIndex);
 
-QString dataLogName(const SiteSpec& spec, const QDate& date);
-QString historyName(const SiteSpec& spec, const QDate& date);
+QString dataLogName(const SiteSpec& siteSpec, const QDate& date);
+QString historyName(const SiteSpec& siteSpec, const QDate& date);
 // The six-character date code MMDDYY of a day.
 QString dateCode(const QDate& date);
 
 // Writes every day's files and the factor files under folder (for home naming, into its
 // "logfiles" and "cnffiles" folders, created when missing). False with a reason on failure.
-bool writeSite(const SiteSpec& spec, const QString& folder, QString* error = nullptr);
+bool writeSite(const SiteSpec& siteSpec, const QString& folder, QString* error = nullptr);
 
 } // namespace trendax::gen

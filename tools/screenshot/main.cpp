@@ -1,5 +1,7 @@
 // Renders the main window with a site of the sample media loaded, offscreen, into a PNG file:
-// the picture in the README. Usage: trendax-screenshot MEDIA_FOLDER OUT.png [SITE]
+// the picture in the README. Usage: trendax-screenshot MEDIA_FOLDER OUT.png [SITE [DIALOG.png]]
+// With DIALOG.png the open dialog is rendered too, browsing the media with the site's first day
+// chosen.
 #include "app/dialogs.h"
 #include "app/form1.h"
 #include "chart/stripchart.h"
@@ -68,6 +70,19 @@ int main(int argc, char** argv) {
     if (!window.grab().save(args[2])) {
         std::fprintf(stderr, "trendax-screenshot: cannot write %s\n", qPrintable(args[2]));
         return 1;
+    }
+    if (args.size() > 4) {
+        dlgOpen dialog(environment, dialogs, &window);
+        dialog.setDir1Path(QDir(args[1]).absolutePath());
+        if (QTreeWidgetItem* day =
+                dialog.nodeByKey(QStringLiteral("md") + site + node.child(0)->text(0)))
+            dialog.tv_NodeClick(day);
+        dialog.show();
+        QApplication::processEvents();
+        if (!dialog.grab().save(args[4])) {
+            std::fprintf(stderr, "trendax-screenshot: cannot write %s\n", qPrintable(args[4]));
+            return 1;
+        }
     }
     return 0;
 }
