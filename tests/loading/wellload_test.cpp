@@ -2,9 +2,7 @@
 #include "loading/wellload.h"
 #include "storage/datetime.h"
 #include "support/scratchfolder.h"
-#include "synthetic.h"
 
-#include <QFile>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -112,64 +110,6 @@ TEST(WellLoadPasses, AnEmptyDateCodeFailsBeforeAnythingIsShown) {
     EXPECT_THROW(runWellLoadPasses(node, rec.hooks()), LoadFailure);
     EXPECT_TRUE(rec.calls.empty());
     EXPECT_EQ(rec.log, QStringList{"fdate = CDate(//)"});
-}
-
-// ---- Loading generated sites through the passes and the reader ----
-
-struct CoreLoad {
-    LoadState state;
-    std::vector<std::int64_t> points; // per day, of channel 1
-    QStringList log;
-};
-
-void load(const QString& app, const NodeCopy& node, CoreLoad& out) {
-    out.state.reset();
-    WellLoadHooks hooks;
-    hooks.debugOut = [&](const QString& line) { out.log << line; };
-    hooks.loadDay = [&](int, int, const QString& csv, const QString&) {
-        const DataLogResult r = readDataLog(csv, app, out.state);
-        out.points.push_back(std::int64_t(r.channels[0]->count()));
-    };
-    runWellLoadPasses(node, hooks);
-}
-
-TEST(WellLoad, AMixOfFiveAndThirteenChannelDaysLoadsAllChannels) {
-    test::ScratchFolder app;
-    gen::SiteSpec siteSpec;
-    siteSpec.rowsPerDay = 288;
-    siteSpec.channels = 5;
-    ASSERT_TRUE(gen::writeSite(siteSpec, app.path()));
-    siteSpec.channels = 13;
-    siteSpec.start = siteSpec.start.addDays(1);
-    ASSERT_TRUE(gen::writeSite(siteSpec, app.path()));
-
-    const NodeCopy node = CopySelectedNode("AB12", app.file("logfiles"), {"031512", "031612"},
-                                           day(2012, 3, 15), day(2012, 3, 16));
-    CoreLoad core;
-    load(app.path(), node, core);
-    EXPECT_EQ(core.state.numChannels, 13);
-    EXPECT_THAT(core.points, ElementsAre(288, 288));
-    EXPECT_EQ(core.state.XMin, day(2012, 3, 15));
-    EXPECT_EQ(core.state.XMax, day(2012, 3, 16, 23, 55));
-}
-
-TEST(WellLoad, ADeletedDataLogEndsTheLoadAndKeepsTheDaysBefore) {
-    test::ScratchFolder app;
-    gen::SiteSpec siteSpec;
-    siteSpec.rowsPerDay = 24;
-    siteSpec.channels = 8;
-    siteSpec.days = 3;
-    ASSERT_TRUE(gen::writeSite(siteSpec, app.path()));
-    ASSERT_TRUE(QFile::remove(app.file("logfiles/AB12031612.CSV")));
-
-    const NodeCopy node =
-        CopySelectedNode("AB12", app.file("logfiles"), {"031512", "031612", "031712"},
-                         day(2012, 3, 15), day(2012, 3, 17));
-    CoreLoad core;
-    EXPECT_THROW(load(app.path(), node, core), LoadFailure);
-    EXPECT_THAT(core.points, ElementsAre(24));
-    EXPECT_EQ(core.state.numChannels, 8);
-    EXPECT_EQ(core.state.XMax, day(2012, 3, 15, 23));
 }
 
 } // namespace
