@@ -150,15 +150,15 @@ int main(int argc, char** argv) {
     const double seconds = timer.nsecsElapsed() / 1e9;
 
     const double rows = window.LoadedRowTotal;
-    std::printf("LoadWell: %.3f s, %.0f rows, %.0f rows/s, peak RSS %.1f MB (%.1f MB before the "
-                "load, chart %.1f MB)\n",
+    std::printf("LoadWell: %.3f s, %.0f rows, %.0f rows/s, peak RSS %.1f MiB (%.1f MiB before the "
+                "load, chart %.1f MiB)\n",
                 seconds, rows, seconds > 0 ? rows / seconds : 0.0, peakResidentMegabytes(),
                 residentBefore, window.Strip1->model().allocatedBytes() / 1048576.0);
     if (json) {
         QJsonObject o = report(window, appFolder);
         o["seconds"] = seconds;
         o["rows"] = rows;
-        o["peakRssMB"] = peakResidentMegabytes();
+        o["peakRssMiB"] = peakResidentMegabytes();
         std::printf("%s\n", QJsonDocument(o).toJson(QJsonDocument::Indented).constData());
     }
     return 0;
