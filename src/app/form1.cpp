@@ -772,12 +772,6 @@ void Form1::Strip1_CursorChange(double x) {
     cursorBusy_ = false;
 }
 
-// ---- Calibration ----
-
-// The two-point calibration dialog comes with its own module; until then the command is
-// present and does nothing.
-void Form1::OpenCalibrationDialog() {}
-
 // ---- Diagnostic log ----
 
 void Form1::DebugOutBegin() {

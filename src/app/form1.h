@@ -174,6 +174,9 @@ public:
 
     // ---- Calibration ----
     void OpenCalibrationDialog();
+    // Writes the site's new factors (the scale file, then the offset file) and loads the site
+    // again so that they apply; a failure stops it where it happens, silently.
+    void WriteCalibrationFactors(const QString& scaleText, const QString& offsetText);
 
     // ---- History and comments (filled by their own modules) ----
     void InitCommentGrid();
