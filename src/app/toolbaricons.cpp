@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPixmap>
+#include <QTransform>
 
 namespace trendax {
 
@@ -29,24 +30,16 @@ void drawMagnifier(QPainter& p, const QString& sign) {
 
 void drawArrow(QPainter& p, bool left) {
     QPainterPath path;
-    if (left) {
-        path.moveTo(4, 16);
-        path.lineTo(16, 5);
-        path.lineTo(16, 11);
-        path.lineTo(28, 11);
-        path.lineTo(28, 21);
-        path.lineTo(16, 21);
-        path.lineTo(16, 27);
-    } else {
-        path.moveTo(28, 16);
-        path.lineTo(16, 5);
-        path.lineTo(16, 11);
-        path.lineTo(4, 11);
-        path.lineTo(4, 21);
-        path.lineTo(16, 21);
-        path.lineTo(16, 27);
-    }
+    path.moveTo(4, 16);
+    path.lineTo(16, 5);
+    path.lineTo(16, 11);
+    path.lineTo(28, 11);
+    path.lineTo(28, 21);
+    path.lineTo(16, 21);
+    path.lineTo(16, 27);
     path.closeSubpath();
+    if (!left) // the right arrow is the left one mirrored about the icon's middle
+        path = QTransform(-1, 0, 0, 1, side, 0).map(path);
     p.setPen(QPen(QColor(20, 60, 20), 1.5));
     p.setBrush(QColor(70, 170, 70));
     p.drawPath(path);
