@@ -162,6 +162,8 @@ inline bool fastNumber(const char*& p, const char* end, double& mantissaOut, int
     int significant = 0;
     int digits = 0;
     int fraction = 0;
+    // The integer and the fraction digits have a loop each: one loop that also watches for the
+    // point made the whole reader a third slower.
     while (s < end && isDigit(*s)) {
         const int d = *s - '0';
         if (mantissa != 0 || d != 0) {
