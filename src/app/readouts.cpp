@@ -13,8 +13,4 @@ QString formatValue(double value) {
     return QString::number(rounded, 'f', 2);
 }
 
-double parseValue(const QString& text) {
-    return text.toDouble();
-}
-
 } // namespace trendax::readouts

@@ -9,7 +9,4 @@ namespace trendax::readouts {
 // sign for negative values (and none for a value that rounds to zero).
 QString formatValue(double value);
 
-// Reads back a value shown with formatValue.
-double parseValue(const QString& text);
-
 } // namespace trendax::readouts

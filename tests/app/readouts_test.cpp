@@ -12,7 +12,7 @@ TEST(ValueText, FollowsTheTwoDecimalPattern) {
     EXPECT_EQ(formatValue(-0.001), QStringLiteral("0.00"));
     EXPECT_EQ(formatValue(0.5), QStringLiteral("0.50"));
     EXPECT_EQ(formatValue(1234567.891), QStringLiteral("1234567.89"));
-    EXPECT_DOUBLE_EQ(parseValue(formatValue(19.996)), 20.0);
+    EXPECT_EQ(formatValue(19.996), QStringLiteral("20.00"));
 }
 
 } // namespace
