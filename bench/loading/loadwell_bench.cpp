@@ -3,7 +3,7 @@
 // state, so that a run can be checked for correctness as well as timed.
 //
 // Usage: trendax-load-bench APPFOLDER SITE START END [--json]   (dates as MM/DD/YY)
-#include "app/dialogs.h"
+#include "storage/dialogs.h"
 #include "app/form1.h"
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"

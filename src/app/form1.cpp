@@ -1,35 +1,32 @@
 #include "app/form1.h"
 
-#include "app/channellayouts.h"
-#include "app/dialogs.h"
 #include "app/frmsplash.h"
-#include "app/readouts.h"
 #include "app/toolbaricons.h"
+#include "chart/channellayouts.h"
+#include "chart/navigation.h"
 #include "chart/stripchart.h"
+#include "chart/stripchartmodel.h"
+#include "history/historypanel.h"
 #include "storage/datetime.h"
 #include "storage/debuglog.h"
+#include "storage/dialogs.h"
 #include "storage/environment.h"
-#include "version.h"
+#include "storage/programtitle.h"
+#include "storage/qtcolor.h"
+#include "storage/twips.h"
 
 #include <QAction>
 #include <QApplication>
-#include <QCheckBox>
 #include <QCloseEvent>
 #include <QFrame>
-#include <QHeaderView>
 #include <QLabel>
-#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QPrinter>
 #include <QProgressBar>
-#include <QPushButton>
-#include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
-#include <QTableWidget>
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
@@ -73,23 +70,6 @@ constexpr MenuItemSpec xscaleItems[] = {
 constexpr MenuItemSpec tracksItems[] = {{"Separate", "tracksseparate"},
                                         {"Current and Voltage", "trackscandv"}};
 
-// Column headings of the statistics panel and their left edges in twips.
-constexpr std::pair<const char*, int> statsColumns[] = {
-    {"Cursor Value", 2160}, {"Min Disp", 3240}, {"Avg Disp", 4320}, {"Max Disp", 5160},
-    {"Min", 6120},          {"Average", 7200},  {"Max", 8040}};
-
-int rowTopTwips(int row) {
-    return row < 5 ? 540 + 210 * row : 1680 + 240 * (row - 5);
-}
-
-QColor toQColor(quint32 packed) {
-    return QColor(int(packed & 0xFF), int((packed >> 8) & 0xFF), int((packed >> 16) & 0xFF));
-}
-
-quint32 toPacked(const QColor& c) {
-    return quint32(c.red()) + 256u * quint32(c.green()) + 65536u * quint32(c.blue());
-}
-
 } // namespace
 
 // ---- Construction ----
@@ -101,7 +81,6 @@ Form1::Form1(Environment& env, Dialogs& dialogs, const QString& argumentText, QW
     buildToolbar();
     buildMenus();
     buildBands();
-    buildStatsPanel();
 
     StatusBar1 = statusBar();
     statusPanels[0] = new QLabel(this);
@@ -236,21 +215,10 @@ void Form1::buildBands() {
     CoolBar1->setChildrenCollapsible(false);
     CoolBar1->setHandleWidth(5);
 
-    frameHist = new QFrame(CoolBar1);
-    frameHist->setObjectName(QStringLiteral("frameHist"));
-    frameHist->setAutoFillBackground(true);
-    frameHist->setPalette(QPalette(Qt::white));
-    frameHist->setMinimumWidth(1);
-
-    lstHST = new QListWidget(frameHist);
-    lstHST->setObjectName(QStringLiteral("lstHST"));
-    lstHST->setToolTip(QStringLiteral("Click an event to locate on the graph."));
-    cmdAddComment = new QPushButton(QStringLiteral("Add Comment"), frameHist);
-    cmdAddComment->setObjectName(QStringLiteral("cmdAddComment"));
-    gridHistoryEvents = new QTableWidget(0, 2, frameHist);
-    gridHistoryEvents->setObjectName(QStringLiteral("gridHistoryEvents"));
-    gridHistoryEvents->verticalHeader()->setVisible(false);
-    gridHistoryEvents->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    frameHist = new HistoryPanel(CoolBar1);
+    lstHST = frameHist->lstHST;
+    cmdAddComment = frameHist->cmdAddComment;
+    gridHistoryEvents = frameHist->gridHistoryEvents;
 
     frameGraph = new QFrame(CoolBar1);
     frameGraph->setObjectName(QStringLiteral("frameGraph"));
@@ -259,10 +227,9 @@ void Form1::buildBands() {
     frameGraph->setMinimumWidth(twipsToPixels(1995));
     Strip1 = new StripChart(frameGraph);
     Strip1->setObjectName(QStringLiteral("Strip1"));
-    picStats = new QFrame(frameGraph);
-    picStats->setObjectName(QStringLiteral("picStats"));
-    picStats->setAutoFillBackground(true);
-    picStats->setFrameShape(QFrame::StyledPanel);
+    picStats = new StatsPanel(logicalDpi(), frameGraph);
+    lblCursor = picStats->lblCursor;
+    stats = picStats->rows;
 
     CoolBar1->addWidget(frameHist);
     CoolBar1->addWidget(frameGraph);
@@ -272,68 +239,12 @@ void Form1::buildBands() {
     CoolBar1->handle(1)->installEventFilter(this);
 }
 
-void Form1::buildStatsPanel() {
-    QFont small = font();
-    small.setPointSizeF(std::max(7.0, small.pointSizeF() - 1.5));
-    picStats->setFont(small);
-
-    auto* cursorHeading = new QLabel(QStringLiteral("Cursor:"), picStats);
-    QFont bold = small;
-    bold.setBold(true);
-    cursorHeading->setFont(bold);
-    cursorHeading->setGeometry(twipsToPixels(60), twipsToPixels(30), twipsToPixels(2000),
-                               twipsToPixels(240));
-    lblCursor = new QLabel(QStringLiteral("mm/dd/yyyy hh:mm:ss am"), picStats);
-    lblCursor->setGeometry(twipsToPixels(60), twipsToPixels(270), twipsToPixels(2100),
-                           twipsToPixels(240));
-
-    for (const auto& [caption, left] : statsColumns) {
-        auto* heading = new QLabel(QString::fromLatin1(caption), picStats);
-        heading->setGeometry(twipsToPixels(left), twipsToPixels(270), twipsToPixels(1100),
-                             twipsToPixels(240));
-    }
-
-    for (int i = 0; i < 13; ++i) {
-        StatsRow& row = stats[size_t(i)];
-        const int top = rowTopTwips(i);
-        row.chkChannelVisible = new QCheckBox(picStats);
-        row.chkChannelVisible->setGeometry(0, twipsToPixels(top), twipsToPixels(255),
-                                           twipsToPixels(255));
-        row.chkChannelVisible->setChecked(i < 8);
-        row.Line1 = new QFrame(picStats);
-        row.Line1->setFrameShape(QFrame::NoFrame);
-        row.Line1->setAutoFillBackground(true);
-        row.Line1->setGeometry(twipsToPixels(240), twipsToPixels(top + 120), twipsToPixels(480),
-                               std::max(2, twipsToPixels(30)));
-        row.lblVar = new QLabel(QStringLiteral("Var%1").arg(i + 1), picStats);
-        row.lblVar->setToolTip(QStringLiteral("Click to change color."));
-        row.lblVar->setGeometry(twipsToPixels(840), twipsToPixels(top), twipsToPixels(1755),
-                                twipsToPixels(255));
-        QLabel** readouts[] = {&row.lblCursorValue, &row.lblMinDisp, &row.lblAvgDisp,
-                               &row.lblMaxDisp,     &row.lblMin,     &row.lblAvg,
-                               &row.lblMax};
-        for (size_t c = 0; c < std::size(readouts); ++c) {
-            auto* label = new QLabel(QStringLiteral("0"), picStats);
-            label->setGeometry(twipsToPixels(statsColumns[c].second), twipsToPixels(top),
-                               twipsToPixels(1000), twipsToPixels(255));
-            *readouts[c] = label;
-        }
-    }
-}
-
 // ---- Start-up and shutdown ----
-
-QString Form1::programTitle() {
-    return QStringLiteral("Trendax 2 - V%1.%2.%3")
-        .arg(version::major)
-        .arg(version::minor)
-        .arg(version::revision);
-}
 
 void Form1::Form_Load(const QString& argumentText) {
     move(0, 0);
-    setWindowTitle(programTitle());
-    Strip1->setBackColor(layouts::rgb(255, 255, 210));
+    setWindowTitle(mainWindowCaption());
+    Strip1->setBackColor(packedColor(255, 255, 210));
     LoadChannelColors();
     InitCommentGrid();
     Strip1->setMaxBufferSize(20000);
@@ -395,8 +306,7 @@ void Form1::Toolbar1_ButtonClick(const QString& key) {
 }
 
 void Form1::Toolbar1_ButtonMenuClick(const QString& key) {
-    if (key == QLatin1String("1hour") || key == QLatin1String("1day") ||
-        key == QLatin1String("1week") || key == QLatin1String("30days")) {
+    if (navigation::fixedSpan(key)) {
         FixedSpan(key);
     } else if (key == QLatin1String("tracksseparate")) {
         LayoutSeparate();
@@ -428,98 +338,7 @@ bool Form1::eventFilter(QObject* watched, QEvent* event) {
     return QMainWindow::eventFilter(watched, event);
 }
 
-// ---- Arrangement ----
-
-int Form1::twipsToPixels(double twips) const {
-    const QScreen* s = screen() ? screen() : QGuiApplication::primaryScreen();
-    const double dpi = s ? s->logicalDotsPerInchX() : 96.0;
-    return int(std::lround(twips * dpi / 1440.0));
-}
-
-double Form1::pixelsToTwips(int pixels) const {
-    const QScreen* s = screen() ? screen() : QGuiApplication::primaryScreen();
-    const double dpi = s ? s->logicalDotsPerInchX() : 96.0;
-    return pixels * 1440.0 / dpi;
-}
-
-int Form1::bandWidthTwips() const {
-    return int(std::lround(pixelsToTwips(CoolBar1->sizes().value(0))));
-}
-
-void Form1::setBandWidthTwips(int twips) {
-    QList<int> sizes = CoolBar1->sizes();
-    const int total = sizes.value(0) + sizes.value(1);
-    const int first = twipsToPixels(twips);
-    CoolBar1->setSizes({first, std::max(0, total - first)});
-}
-
-void Form1::ArrangeBands() {
-    const QRect outer = frameGeometry();
-    const int toolbarHeight = Toolbar1->isVisible() ? Toolbar1->height() : 0;
-    CoolBar1->setGeometry(0, 0, std::max(0, outer.width() - twipsToPixels(100)),
-                          std::max(0, outer.height() - toolbarHeight - twipsToPixels(500)));
-    const int width = frameHist->width();
-    lstHST->resize(width, lstHST->height());
-    gridHistoryEvents->resize(width, gridHistoryEvents->height());
-    cmdAddComment->resize(width, cmdAddComment->height());
-    Strip1->move(0, 0);
-}
-
-void Form1::ArrangeControls() {
-    if (isMinimized())
-        return;
-    ArrangeBands();
-    if (!isMaximized() && !isFullScreen()) {
-        const QRect outer = frameGeometry();
-        const QSize frame = outer.size() - size();
-        const int minWidth = twipsToPixels(12000);
-        const int minHeight = twipsToPixels(9000);
-        if (outer.width() < minWidth || outer.height() < minHeight) {
-            resize(std::max(outer.width(), minWidth) - frame.width(),
-                   std::max(outer.height(), minHeight) - frame.height());
-            ArrangeBands();
-        }
-    }
-    const int T = Toolbar1->isVisible() ? Toolbar1->height() : 0;
-    const int S = StatusBar1->isVisible() ? StatusBar1->height() : 0;
-    const int H = height();
-    const int listHeight = std::max(0, (H - T - S) / 2);
-    const int buttonHeight = cmdAddComment->sizeHint().height();
-
-    lstHST->setGeometry(0, 0, frameHist->width(), listHeight);
-    cmdAddComment->resize(frameHist->width(), buttonHeight);
-    if (numChannels != 1) {
-        cmdAddComment->move(0, lstHST->y() + lstHST->height());
-        gridHistoryEvents->setGeometry(0, cmdAddComment->y() + buttonHeight, frameHist->width(),
-                                       listHeight);
-    } else {
-        // A one-channel log has no history events: the comments take the whole column.
-        lstHST->setVisible(false);
-        cmdAddComment->move(0, lstHST->y());
-        gridHistoryEvents->setGeometry(0, cmdAddComment->y() + buttonHeight, frameHist->width(),
-                                       2 * listHeight);
-    }
-
-    if (!gridHistoryEvents->isHidden()) {
-        Strip1->resize(frameGraph->width(), Strip1->height());
-    } else {
-        Strip1->move(0, Strip1->y());
-        Strip1->resize(width(), Strip1->height());
-    }
-    picStats->setGeometry(Strip1->x(), picStats->y(), Strip1->width(), picStats->height());
-    if (numChannels != 1)
-        lstHST->setVisible(!gridHistoryEvents->isHidden());
-    cmdAddComment->setVisible(!gridHistoryEvents->isHidden());
-
-    const int chartArea = std::max(0, H - T - S);
-    if (!picStats->isHidden()) {
-        const int statsHeight = twipsToPixels(statsPanelTwips_);
-        Strip1->resize(Strip1->width(), std::max(0, chartArea - statsHeight));
-        picStats->setGeometry(picStats->x(), Strip1->height(), picStats->width(), statsHeight);
-    } else {
-        Strip1->resize(Strip1->width(), chartArea);
-    }
-}
+// ---- Window events ----
 
 void Form1::resizeEvent(QResizeEvent* event) {
     QMainWindow::resizeEvent(event);
@@ -564,130 +383,10 @@ void Form1::PrintChartPage() {
     Strip1->setCaption(QString());
 }
 
-// ---- Channel sets and layouts ----
-
-void Form1::setStatsPanelHeightTwips(double twips) {
-    statsPanelTwips_ = twips;
-    picStats->resize(picStats->width(), twipsToPixels(twips));
-}
-
-void Form1::setRowName(int row, const QString& name) {
-    stats[size_t(row)].lblVar->setText(name);
-}
-
-void Form1::SetTrackColor(int track, quint32 color) {
-    Strip1->setCurrentTrack(track);
-    Strip1->setTrackColor(color);
-}
-
-namespace {
-
-void applyPlan(Form1& w, const layouts::Plan& plan) {
-    if (plan.panelHeightTwips)
-        w.setStatsPanelHeightTwips(*plan.panelHeightTwips);
-    for (const auto& [row, name] : plan.names)
-        w.setRowName(row, name);
-    if (plan.reloadColors)
-        w.LoadChannelColors();
-    if (plan.quillCaptions) {
-        for (int k = 0; k < 8; ++k)
-            w.mnuChannel[size_t(k)]->setText(QStringLiteral("Channel %1").arg(k + 1));
-    }
-    if (plan.arrange)
-        w.ArrangeControls();
-    w.Strip1->setTrackCount(plan.trackCount);
-    for (const auto& [var, track] : plan.varTracks) {
-        w.Strip1->setCurrentVar(var);
-        w.Strip1->setVarTrack(track);
-    }
-    for (const auto& [track, color] : plan.trackColors)
-        w.SetTrackColor(track, color);
-    w.AutoScaleY();
-    w.AutoScaleY();
-}
-
-} // namespace
-
-void Form1::ApplyLayout(layouts::Layout layout) {
-    applyPlan(*this, layouts::plan(layout));
-}
-void Form1::LayoutSingleChannel() {
-    ApplyLayout(layouts::Layout::SingleChannel);
-}
-void Form1::LayoutSeparate() {
-    ApplyLayout(layouts::Layout::Separate);
-}
-void Form1::LayoutCurrentAndVoltage() {
-    ApplyLayout(layouts::Layout::CurrentAndVoltage);
-}
-void Form1::LayoutGaugeChannels() {
-    ApplyLayout(layouts::Layout::GaugeChannels);
-}
-void Form1::LayoutAllChannels() {
-    ApplyLayout(layouts::Layout::AllChannels);
-}
-
-void Form1::LoadChannelColors() {
-    for (int i = 0; i < 13; ++i) {
-        Strip1->setCurrentVar(i);
-        const QString text = env_.readSetting(QStringLiteral("Channel%1").arg(i),
-                                              QStringLiteral("Color"), QStringLiteral("?"));
-        if (text != QLatin1String("?")) {
-            bool ok = false;
-            const qlonglong value = text.trimmed().toLongLong(&ok);
-            if (ok && value >= 0 && value <= 0xFFFFFF)
-                Strip1->setVarColor(quint32(value));
-        }
-        const QColor color = toQColor(Strip1->VarColor());
-        StatsRow& row = stats[size_t(i)];
-        QPalette textPalette = row.lblVar->palette();
-        textPalette.setColor(QPalette::WindowText, color);
-        row.lblVar->setPalette(textPalette);
-        QPalette linePalette = row.Line1->palette();
-        linePalette.setColor(QPalette::Window, color);
-        row.Line1->setPalette(linePalette);
-    }
-}
-
-void Form1::SaveChannelColors() {
-    for (int i = 0; i < 13; ++i) {
-        const QColor color = stats[size_t(i)].lblVar->palette().color(QPalette::WindowText);
-        env_.writeSetting(QStringLiteral("Channel%1").arg(i), QStringLiteral("Color"),
-                          QString::number(toPacked(color)));
-    }
-}
-
 // ---- Navigation, cursor and statistics ----
 
 void Form1::AutoScaleY() {
-    // One round beyond the last shown track: variables parked on the first unshown track are
-    // scaled too, so they come back in range when a layout shows that track again.
-    for (int t = 0; t <= Strip1->TrackCount(); ++t) {
-        bool first = true;
-        for (int v = 0; v < 13; ++v) {
-            Strip1->setCurrentVar(v);
-            const int k = Strip1->VarTrack();
-            Strip1->setCurrentTrack(k);
-            if (k != t || !Strip1->VarVisible())
-                continue;
-            const double hi = Strip1->DataMax(v);
-            const double lo = Strip1->DataMin(v);
-            if (first) {
-                first = false;
-                Strip1->setTrackYMax(hi);
-                Strip1->setTrackYMin(lo);
-                Strip1->setVarYMax(hi);
-                Strip1->setVarYMin(lo);
-            } else {
-                if (Strip1->TrackYMax() < hi)
-                    Strip1->setTrackYMax(hi);
-                if (Strip1->TrackYMin() > lo)
-                    Strip1->setTrackYMin(lo);
-                Strip1->setVarYMax(Strip1->TrackYMax());
-                Strip1->setVarYMin(Strip1->TrackYMin());
-            }
-        }
-    }
+    navigation::autoScaleY(Strip1->model());
 }
 
 void Form1::ZoomAll() {
@@ -695,29 +394,11 @@ void Form1::ZoomAll() {
 }
 
 void Form1::ZoomTime(int mode) {
-    const double start = Strip1->XViewStart();
-    const double end = Strip1->XViewEnd();
-    if (Strip1->CursorX() < start || Strip1->CursorX() > end)
-        Strip1->setCursorX(start + Strip1->XSpan() / 2);
-    if (mode == 0) {
-        const double span = Strip1->XSpan() - Strip1->XSpan() / 2;
-        if (span >= 1.0 / 38400.0)
-            Strip1->setXSpan(span);
-    } else if (mode == 1) {
-        Strip1->setXSpan(Strip1->XSpan() + Strip1->XSpan());
-    }
-    const double half = Strip1->XSpan() / 2;
-    Strip1->ShowXRange(Strip1->CursorX() - half, Strip1->CursorX() + half);
+    navigation::zoomTime(Strip1->model(), mode);
 }
 
 void Form1::ScrollTime(int mode) {
-    const double start = Strip1->XViewStart();
-    const double end = Strip1->XViewEnd();
-    const double step = (end - start) / 10;
-    if (mode == 0)
-        Strip1->ShowXRange(start - step, end - step);
-    else if (mode == 1)
-        Strip1->ShowXRange(start + step, end + step);
+    navigation::scrollTime(Strip1->model(), mode);
 }
 
 void Form1::TogglePoints() {
@@ -729,32 +410,21 @@ void Form1::TogglePoints() {
 }
 
 void Form1::FixedSpan(const QString& key) {
-    if (key == QLatin1String("1hour"))
-        Strip1->setXSpan(1.0 / 24);
-    else if (key == QLatin1String("1day"))
-        Strip1->setXSpan(1);
-    else if (key == QLatin1String("1week"))
-        Strip1->setXSpan(7);
-    else if (key == QLatin1String("30days"))
-        Strip1->setXSpan(30);
+    if (const auto span = navigation::fixedSpan(key))
+        Strip1->setXSpan(*span);
 }
 
 void Form1::UpdateStatistics() {
     for (int i = 0; i < 13; ++i) {
-        StatsRow& row = stats[size_t(i)];
-        row.lblCursorValue->setText(readouts::formatValue(Strip1->CursorValue(i)));
-        row.lblMax->setText(readouts::formatValue(Strip1->DataMax(i)));
-        row.lblAvg->setText(readouts::formatValue(Strip1->DataAvg(i)));
-        row.lblMin->setText(readouts::formatValue(Strip1->DataMin(i)));
-        row.lblMaxDisp->setText(readouts::formatValue(Strip1->ViewMax(i)));
-        row.lblAvgDisp->setText(readouts::formatValue(Strip1->ViewAvg(i)));
-        row.lblMinDisp->setText(readouts::formatValue(Strip1->ViewMin(i)));
+        picStats->showStatistics(i, {Strip1->CursorValue(i), Strip1->ViewMin(i), Strip1->ViewAvg(i),
+                                     Strip1->ViewMax(i), Strip1->DataMin(i), Strip1->DataAvg(i),
+                                     Strip1->DataMax(i)});
     }
 }
 
 void Form1::setCursorText(double x) {
     const QString text = datetime::formatGeneral(x);
-    lblCursor->setText(text);
+    picStats->setCursorText(text);
     statusPanels[1]->setText(QStringLiteral("Cursor: ") + text);
 }
 
@@ -787,11 +457,7 @@ void Form1::DebugOut(const QString& message) {
 // ---- History and comments ----
 
 void Form1::InitCommentGrid() {
-    gridHistoryEvents->setColumnCount(2);
-    gridHistoryEvents->setHorizontalHeaderLabels(
-        {QStringLiteral("Time"), QStringLiteral("Comment")});
-    gridHistoryEvents->setColumnWidth(0, twipsToPixels(1400));
-    gridHistoryEvents->setColumnWidth(1, twipsToPixels(1400));
+    frameHist->initCommentGrid(twipsToPixels(1400));
 }
 
 } // namespace trendax

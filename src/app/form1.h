@@ -1,7 +1,9 @@
 #pragma once
 
-#include "app/channellayouts.h"
+#include "chart/channellayouts.h"
+#include "chart/statspanel.h"
 #include "chart/xyarray.h"
+#include "history/historypanel.h"
 #include "loading/wellload.h"
 
 #include <QElapsedTimer>
@@ -18,7 +20,6 @@ class QMenu;
 class QAction;
 class QProgressBar;
 class QPushButton;
-class QCheckBox;
 class QSplitter;
 class QStatusBar;
 class QTableWidget;
@@ -35,20 +36,6 @@ class StripChart;
 class DebugLog;
 class dlgOpen;
 class dlgProgress;
-
-// A row of the statistics panel: visibility box, colour sample, name and seven read-outs.
-struct StatsRow {
-    QCheckBox* chkChannelVisible = nullptr;
-    QFrame* Line1 = nullptr;
-    QLabel* lblVar = nullptr;
-    QLabel* lblCursorValue = nullptr;
-    QLabel* lblMinDisp = nullptr;
-    QLabel* lblAvgDisp = nullptr;
-    QLabel* lblMaxDisp = nullptr;
-    QLabel* lblMin = nullptr;
-    QLabel* lblAvg = nullptr;
-    QLabel* lblMax = nullptr;
-};
 
 // The program's main window: toolbar, history column, chart column with the statistics panel,
 // status bar. It owns every piece of state that outlives one command.
@@ -81,13 +68,13 @@ public:
     // ---- Controls ----
     QToolBar* Toolbar1 = nullptr;
     QSplitter* CoolBar1 = nullptr;
-    QFrame* frameHist = nullptr;
+    HistoryPanel* frameHist = nullptr;
     QFrame* frameGraph = nullptr;
     QListWidget* lstHST = nullptr;
     QPushButton* cmdAddComment = nullptr;
     QTableWidget* gridHistoryEvents = nullptr;
     StripChart* Strip1 = nullptr;
-    QFrame* picStats = nullptr;
+    StatsPanel* picStats = nullptr;
     QLabel* lblCursor = nullptr;
     std::array<StatsRow, 13> stats;
     QStatusBar* StatusBar1 = nullptr;
@@ -158,8 +145,6 @@ public:
     void SetTrackColor(int track, quint32 color);
     void LoadChannelColors();
     void SaveChannelColors();
-    void setStatsPanelHeightTwips(double twips);
-    void setRowName(int row, const QString& name);
 
     // ---- Navigation, cursor and statistics ----
     void AutoScaleY();
@@ -181,9 +166,6 @@ public:
     // ---- History and comments (filled by their own modules) ----
     void InitCommentGrid();
 
-    // The title "Trendax 2 - V3.0.7".
-    static QString programTitle();
-
     Environment& environment() { return env_; }
     Dialogs& dialogs() { return dialogs_; }
 
@@ -197,9 +179,9 @@ private:
     void buildToolbar();
     void buildMenus();
     void buildBands();
-    void buildStatsPanel();
     void showAbout();
     void setCursorText(double x);
+    double logicalDpi() const;
 
     Environment& env_;
     Dialogs& dialogs_;
@@ -210,7 +192,6 @@ private:
     int lastBandWidth_ = 0;
     bool resizing_ = false;
     bool cursorBusy_ = false;
-    double statsPanelTwips_ = 1630;
 };
 
 } // namespace trendax

@@ -1,7 +1,8 @@
-#include "app/dialogs.h"
 #include "app/form1.h"
 #include "loading/heap.h"
+#include "storage/dialogs.h"
 #include "storage/environment.h"
+#include "storage/programtitle.h"
 
 #include <QApplication>
 #include <QStringList>
@@ -9,7 +10,7 @@
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     trendax::keepLargeBlocksForReuse();
-    QApplication::setApplicationName(QStringLiteral("Trendax2"));
+    QApplication::setApplicationName(trendax::programTitle());
     // The argument text is everything after the program's name, as typed.
     QStringList words = QApplication::arguments();
     words.removeFirst();

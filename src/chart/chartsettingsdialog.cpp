@@ -1,5 +1,7 @@
 #include "chart/chartsettingsdialog.h"
 
+#include "storage/qtcolor.h"
+
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QDialogButtonBox>
@@ -9,18 +11,6 @@
 #include <QVBoxLayout>
 
 namespace trendax {
-
-namespace {
-
-QColor toQColor(PackedColor c) {
-    return QColor(int(c & 0xFF), int((c >> 8) & 0xFF), int((c >> 16) & 0xFF));
-}
-
-PackedColor toPacked(const QColor& c) {
-    return PackedColor(c.red()) | PackedColor(c.green()) << 8 | PackedColor(c.blue()) << 16;
-}
-
-} // namespace
 
 ChartSettingsDialog::ChartSettingsDialog(QWidget* parent) : QDialog(parent) {
     setWindowTitle(tr("Chart Settings"));
@@ -71,7 +61,7 @@ void ChartSettingsDialog::setBackColor(PackedColor color) {
 void ChartSettingsDialog::cmdBackColor_Click() {
     const QColor chosen = QColorDialog::getColor(toQColor(backColor_), this, tr("Background"));
     if (chosen.isValid())
-        setBackColor(toPacked(chosen));
+        setBackColor(toPackedColor(chosen));
 }
 
 } // namespace trendax

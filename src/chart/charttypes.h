@@ -1,5 +1,7 @@
 #pragma once
 
+#include "storage/packedcolor.h"
+
 #include <cstdint>
 #include <stdexcept>
 
@@ -12,8 +14,5 @@ class ChartError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
-
-// A packed 24-bit colour R + 256*G + 65536*B, the form the settings store also uses.
-using PackedColor = std::uint32_t;
 
 } // namespace trendax

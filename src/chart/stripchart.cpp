@@ -5,6 +5,7 @@
 #include "chart/pixelpath.h"
 #include "chart/stripchartmodel.h"
 #include "chart/timeticks.h"
+#include "storage/qtcolor.h"
 
 #include <QFontMetricsF>
 #include <QMouseEvent>
@@ -21,10 +22,6 @@
 namespace trendax {
 
 namespace {
-
-QColor toQColor(PackedColor c) {
-    return QColor(int(c & 0xFF), int((c >> 8) & 0xFF), int((c >> 16) & 0xFF));
-}
 
 // Sizes below are in screen pixels at 96 dpi and multiplied by a scale for other resolutions,
 // so a printed chart keeps the proportions of the one on screen.

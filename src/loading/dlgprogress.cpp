@@ -1,5 +1,7 @@
 #include "loading/dlgprogress.h"
 
+#include "storage/twips.h"
+
 #include <QGuiApplication>
 #include <QLabel>
 #include <QProgressBar>
@@ -12,7 +14,7 @@ dlgProgress::dlgProgress(QWidget* parent) : QDialog(parent) {
     setModal(false);
     const QScreen* screen = QGuiApplication::primaryScreen();
     const double dpi = screen ? screen->logicalDotsPerInchX() : 96.0;
-    const auto px = [dpi](int twips) { return int(twips * dpi / 1440.0 + 0.5); };
+    const auto px = [dpi](int length) { return twips::toPixels(length, dpi); };
 
     lblLines = new QLabel(QStringLiteral("File Loading Progress"), this);
     lblLines->setGeometry(px(120), px(60), px(5772), px(240));
@@ -33,6 +35,31 @@ dlgProgress::dlgProgress(QWidget* parent) : QDialog(parent) {
 void dlgProgress::bringToFront() {
     raise();
     activateWindow();
+}
+
+void dlgProgress::beginFiles(int count) {
+    ProgressBar1->setMaximum(count + 1);
+    ProgressBar1->setValue(0);
+}
+
+void dlgProgress::showFile(int fileNumber, int count) {
+    ProgressBar1->setValue(fileNumber);
+    lblFiles->setText(QStringLiteral("Loading file %1 of %2").arg(fileNumber).arg(count));
+}
+
+int dlgProgress::fileNumber() const {
+    return ProgressBar1->value();
+}
+
+void dlgProgress::finishFiles() {
+    ProgressBar1->setValue(ProgressBar1->maximum());
+}
+
+void dlgProgress::showLine(qsizetype row, qsizetype rowCount) {
+    lblLines->setText(QStringLiteral("Reading line %1 of %2").arg(row).arg(rowCount));
+    if (ProgressBar2->maximum() != int(rowCount))
+        ProgressBar2->setMaximum(int(rowCount));
+    ProgressBar2->setValue(ProgressBar2->maximum() > ProgressBar2->value() ? int(row) : 0);
 }
 
 } // namespace trendax

@@ -1,11 +1,14 @@
 #include "opendlg/dlgopen.h"
 
-#include "app/dialogs.h"
 #include "opendlg/importer.h"
 #include "opendlg/shellcopy.h"
 #include "opendlg/sitetree.h"
+#include "storage/dialogs.h"
 #include "storage/environment.h"
 #include "storage/homefolder.h"
+#include "storage/programtitle.h"
+#include "storage/qtcolor.h"
+#include "storage/twips.h"
 
 #include <QApplication>
 #include <QCalendarWidget>
@@ -41,11 +44,6 @@ const char* const instructions[] = {"To Import Files:",
                                     "Select a site name from the Home Folder.",
                                     "Select a start and end date.",
                                     "Then click OK to open the files."};
-
-// The toolkit's colour numbers are blue-green-red: 0xFF0000 is pure blue.
-QColor fromBgr(unsigned bgr) {
-    return QColor(bgr & 0xFF, (bgr >> 8) & 0xFF, (bgr >> 16) & 0xFF);
-}
 
 QDate toQDate(datetime::DateTime value) {
     const datetime::Civil c = datetime::toCivil(value);
@@ -237,13 +235,13 @@ void dlgOpen::placeControls() {
     // Twips to pixels by the screen's logical resolution. The whole layout is enlarged evenly
     // when this toolkit's calendars need more room than the twips give them, so the three
     // columns keep their proportions.
-    const double toX = logicalDpiX() / 1440.0;
-    const double toY = logicalDpiY() / 1440.0;
+    const double dpiX = logicalDpiX();
+    const double dpiY = logicalDpiY();
     const QSize calendar = calStart->minimumSizeHint();
-    const double scale =
-        std::max({1.0, calendar.width() / (2700 * toX), calendar.height() / (2370 * toY)});
-    const auto x = [&](int twips) { return int(twips * toX * scale + 0.5); };
-    const auto y = [&](int twips) { return int(twips * toY * scale + 0.5); };
+    const double scale = std::max({1.0, calendar.width() / (2700 * dpiX / twips::perInch),
+                                   calendar.height() / (2370 * dpiY / twips::perInch)});
+    const auto x = [&](int length) { return twips::toPixels(length, dpiX * scale); };
+    const auto y = [&](int length) { return twips::toPixels(length, dpiY * scale); };
     for (const Place& p : places)
         p.widget->setGeometry(x(p.left), y(p.top), x(p.width), y(p.height));
     setFixedSize(x(7860), y(8610));
@@ -296,7 +294,7 @@ std::optional<QString> dlgOpen::BuildSiteTree() {
     QFont bold = tv->font();
     bold.setBold(true);
     root->setFont(0, bold);
-    root->setForeground(0, fromBgr(0xFF0000));
+    root->setForeground(0, toQColor(0xFF0000));
 
     const sitetree::Tree tree = sitetree::build(HomeFolderPath);
     for (const sitetree::Site& site : tree.sites) {

@@ -1,16 +1,13 @@
 #include "opendlg/shellcopy.h"
 
-#include "app/dialogs.h"
 #include "opendlg/filecopy.h"
+#include "storage/dialogs.h"
+#include "storage/programtitle.h"
 
 #include <QApplication>
 #include <QProgressDialog>
 
 namespace trendax {
-
-QString programTitle() {
-    return QStringLiteral("Trendax2");
-}
 
 int CopyWithShell(const QString& source, const QString& destination, QWidget* owner,
                   Dialogs& dialogs) {

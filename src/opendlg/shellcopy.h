@@ -16,7 +16,4 @@ class Dialogs;
 int CopyWithShell(const QString& source, const QString& destination, QWidget* owner,
                   Dialogs& dialogs);
 
-// The program's title, which messages without a title of their own carry.
-QString programTitle();
-
 } // namespace trendax

@@ -1,5 +1,7 @@
 #include "storage/environment.h"
 
+#include "storage/programtitle.h"
+
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
@@ -33,8 +35,8 @@ QString defaultAppFolder() {
 }
 
 QSettings& store() {
-    static QSettings settings(QSettings::IniFormat, QSettings::UserScope,
-                              QStringLiteral("Trendax2"), QStringLiteral("Trendax2"));
+    static QSettings settings(QSettings::IniFormat, QSettings::UserScope, programTitle(),
+                              programTitle());
     return settings;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/dialogs.h"
+#include "storage/dialogs.h"
 
 #include <QStringList>
 #include <deque>

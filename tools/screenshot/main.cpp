@@ -2,7 +2,7 @@
 // the picture in the README. Usage: trendax-screenshot MEDIA_FOLDER OUT.png [SITE [DIALOG.png]]
 // With DIALOG.png the open dialog is rendered too, browsing the media with the site's first day
 // chosen.
-#include "app/dialogs.h"
+#include "storage/dialogs.h"
 #include "app/form1.h"
 #include "chart/stripchart.h"
 #include "opendlg/dlgopen.h"

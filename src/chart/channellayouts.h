@@ -1,5 +1,7 @@
 #pragma once
 
+#include "storage/packedcolor.h"
+
 #include <QString>
 #include <QStringList>
 #include <optional>
@@ -11,11 +13,6 @@
 namespace trendax::layouts {
 
 enum class Layout { SingleChannel, Separate, CurrentAndVoltage, GaugeChannels, AllChannels };
-
-// Packed colour R + 256*G + 65536*B.
-constexpr quint32 rgb(int r, int g, int b) {
-    return quint32(r) + 256u * quint32(g) + 65536u * quint32(b);
-}
 
 struct Plan {
     std::optional<double> panelHeightTwips;     // unset: the panel keeps its height
@@ -39,5 +36,13 @@ struct InitialVariable {
     int track;
 };
 InitialVariable initialVariable(int index);
+
+// The settings section of a variable's saved colour: "Channel0" to "Channel12", key "Color".
+QString colorSection(int index);
+
+// The colour a saved text stands for: a decimal colour number from 0 to 0xFFFFFF, blanks around
+// it allowed. nullopt for the placeholder "?" of a colour never saved and for anything that is
+// not such a number: the variable then keeps its colour, without a message.
+std::optional<PackedColor> storedColor(const QString& text);
 
 } // namespace trendax::layouts

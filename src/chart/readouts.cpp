@@ -1,4 +1,4 @@
-#include "app/readouts.h"
+#include "chart/readouts.h"
 
 #include <cmath>
 

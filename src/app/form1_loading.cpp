@@ -1,16 +1,16 @@
 // The main window's loading routines: the data log reader's window side and the well loader.
-#include "app/channellayouts.h"
 #include "app/form1.h"
 #include "calibration/factorfiles.h"
+#include "chart/channellayouts.h"
 #include "chart/stripchart.h"
 #include "loading/datalog.h"
 #include "loading/dlgprogress.h"
 #include "loading/wellload.h"
 #include "opendlg/dlgopen.h"
 #include "storage/environment.h"
+#include "storage/programtitle.h"
 
 #include <QApplication>
-#include <QLabel>
 #include <QListWidget>
 #include <QMenu>
 #include <QProgressBar>
@@ -37,12 +37,7 @@ void Form1::LoadQXL(const QString& path) {
         if (!eventsDue())
             return;
         if (progress) {
-            progress->lblLines->setText(
-                QStringLiteral("Reading line %1 of %2").arg(row).arg(rowCount));
-            QProgressBar* bar = progress->ProgressBar2;
-            if (bar->maximum() != int(rowCount))
-                bar->setMaximum(int(rowCount));
-            bar->setValue(bar->maximum() > bar->value() ? int(row) : 0);
+            progress->showLine(row, rowCount);
             progress->bringToFront();
         }
         LetEventsRun();
@@ -66,7 +61,7 @@ void Form1::LoadQXL(const QString& path) {
     XMax = state.XMax;
 
     // Every row counts towards the buffer, bad ones too, so the appended days always fit.
-    const bool firstFile = progress && progress->ProgressBar1->value() == 1;
+    const bool firstFile = progress && progress->fileNumber() == 1;
     LoadedRowTotal = nextLoadedRowTotal(LoadedRowTotal, result.rowCount, firstFile);
     if (LoadedRowTotal > Strip1->MaxBufferSize())
         Strip1->setMaxBufferSize(LoadedRowTotal);
@@ -177,7 +172,7 @@ void Form1::LoadWell() {
         Strip1->ClearData();
 
         SiteCode = NodeCopy.text;
-        setWindowTitle(programTitle() + QStringLiteral(" - Site: ") + SiteCode);
+        setWindowTitle(mainWindowCaption() + QStringLiteral(" - Site: ") + SiteCode);
         XMin = 1e11;
         XMax = 0;
         numChannels = 0;
@@ -190,20 +185,17 @@ void Form1::LoadWell() {
             progress_ = new dlgProgress(this);
             progress_->show();
             progress_->bringToFront();
-            progress_->ProgressBar1->setMaximum(count + 1);
-            progress_->ProgressBar1->setValue(0);
+            progress_->beginFiles(count);
             setEnabled(false);
         };
         hooks.loadDay = [this](int fileNumber, int count, const QString& dataLog, const QString&) {
-            progress_->ProgressBar1->setValue(fileNumber);
-            progress_->lblFiles->setText(
-                QStringLiteral("Loading file %1 of %2").arg(fileNumber).arg(count));
+            progress_->showFile(fileNumber, count);
             LoadQXL(dataLog);
         };
         hooks.afterDateCode = [this] { Strip1->ShowXRange(XMin, XMax); };
         runWellLoadPasses(NodeCopy, hooks);
 
-        progress_->ProgressBar1->setValue(progress_->ProgressBar1->maximum());
+        progress_->finishFiles();
         ProgressBar1->setVisible(false);
         Strip1->setCursorX(XMin + (XMax - XMin) / 2);
         UpdateCursorDisplay();

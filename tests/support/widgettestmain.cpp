@@ -1,6 +1,5 @@
-// GoogleTest main for every test executable: a QApplication exists for the widget tests; core
-// tests simply do not use it. CTest sets QT_QPA_PLATFORM=offscreen for the runs; listing the
-// tests needs no application at all.
+// GoogleTest main of the widget tests: a QApplication on the platform CTest sets (offscreen).
+// Listing the tests needs no application at all.
 #include <QApplication>
 #include <cstring>
 #include <gmock/gmock.h>

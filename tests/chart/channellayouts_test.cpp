@@ -1,4 +1,4 @@
-#include "app/channellayouts.h"
+#include "chart/channellayouts.h"
 
 #include <gtest/gtest.h>
 
@@ -31,7 +31,7 @@ TEST(Layouts, GaugeSetLeavesExpansionAndTrackTwoAlone) {
     EXPECT_EQ(trackOf(p, 6), 1);
     EXPECT_EQ(trackOf(p, 4), 2);
     ASSERT_EQ(p.trackColors.size(), 3u);
-    EXPECT_EQ(p.trackColors.back(), (std::pair<int, quint32>{1, rgb(255, 255, 230)}));
+    EXPECT_EQ(p.trackColors.back(), (std::pair<int, quint32>{1, packedColor(255, 255, 230)}));
     for (const auto& [track, color] : p.trackColors)
         EXPECT_NE(track, 2);
     EXPECT_TRUE(p.reloadColors);
@@ -57,10 +57,31 @@ TEST(Layouts, AllChannelsNamesThirteenRows) {
 }
 
 TEST(InitialColours, KeepTheOddGreen) {
-    EXPECT_EQ(initialVariable(0).color, rgb(0, 0, 160));
-    EXPECT_EQ(initialVariable(2).color, rgb(1, 128, 0));
+    EXPECT_EQ(initialVariable(0).color, packedColor(0, 0, 160));
+    EXPECT_EQ(initialVariable(2).color, packedColor(1, 128, 0));
     EXPECT_EQ(initialVariable(4).track, 4);
     EXPECT_EQ(initialVariable(12).track, 2);
+}
+
+TEST(SavedColours, AcceptOnlyAColourNumber) {
+    const std::pair<const char*, std::optional<PackedColor>> rows[] = {
+        {"?", {}},
+        {"0", 0u},
+        {"16777215", 0xFFFFFFu},
+        {"10526880", 10526880u},
+        {" 255 ", 255u},
+        {"16777216", {}},
+        {"-1", {}},
+        {"", {}},
+        {"red", {}},
+        {"12abc", {}},
+        {"1.5", {}},
+        {"&HFF", {}},
+    };
+    for (const auto& [text, colour] : rows) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(storedColor(QString::fromLatin1(text)), colour);
+    }
 }
 
 } // namespace

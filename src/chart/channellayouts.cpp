@@ -1,4 +1,4 @@
-#include "app/channellayouts.h"
+#include "chart/channellayouts.h"
 
 #include <array>
 
@@ -6,10 +6,10 @@ namespace trendax::layouts {
 
 namespace {
 
-constexpr quint32 paleYellow190 = rgb(255, 255, 190);
-constexpr quint32 paleYellow210 = rgb(255, 255, 210);
-constexpr quint32 paleYellow220 = rgb(255, 255, 220);
-constexpr quint32 paleYellow230 = rgb(255, 255, 230);
+constexpr quint32 paleYellow190 = packedColor(255, 255, 190);
+constexpr quint32 paleYellow210 = packedColor(255, 255, 210);
+constexpr quint32 paleYellow220 = packedColor(255, 255, 220);
+constexpr quint32 paleYellow230 = packedColor(255, 255, 230);
 
 const QStringList currentAndVoltageNames = {"Phase A", "Phase B", "Phase C", "A B Voltage",
                                             "C A Voltage"};
@@ -103,21 +103,35 @@ std::optional<Layout> forChannelCount(int n) {
 InitialVariable initialVariable(int index) {
     // The green of variable 2 is 1,128,0 and has always been.
     static constexpr std::array<InitialVariable, 13> table = {{
-        {rgb(0, 0, 160), 0},
-        {rgb(255, 0, 0), 1},
-        {rgb(1, 128, 0), 2},
-        {rgb(128, 64, 0), 3},
-        {rgb(0, 0, 0), 4},
-        {rgb(0, 0, 255), 2},
-        {rgb(0, 128, 0), 2},
-        {rgb(255, 0, 0), 2},
-        {rgb(0, 0, 0), 2},
-        {rgb(128, 128, 0), 2},
-        {rgb(255, 255, 0), 2},
-        {rgb(0, 255, 255), 2},
-        {rgb(128, 128, 255), 2},
+        {packedColor(0, 0, 160), 0},
+        {packedColor(255, 0, 0), 1},
+        {packedColor(1, 128, 0), 2},
+        {packedColor(128, 64, 0), 3},
+        {packedColor(0, 0, 0), 4},
+        {packedColor(0, 0, 255), 2},
+        {packedColor(0, 128, 0), 2},
+        {packedColor(255, 0, 0), 2},
+        {packedColor(0, 0, 0), 2},
+        {packedColor(128, 128, 0), 2},
+        {packedColor(255, 255, 0), 2},
+        {packedColor(0, 255, 255), 2},
+        {packedColor(128, 128, 255), 2},
     }};
     return table.at(size_t(index));
+}
+
+QString colorSection(int index) {
+    return QStringLiteral("Channel%1").arg(index);
+}
+
+std::optional<PackedColor> storedColor(const QString& text) {
+    if (text == QLatin1String("?"))
+        return std::nullopt;
+    bool ok = false;
+    const qlonglong value = text.trimmed().toLongLong(&ok);
+    if (!ok || value < 0 || value > 0xFFFFFF)
+        return std::nullopt;
+    return PackedColor(value);
 }
 
 } // namespace trendax::layouts

@@ -1,4 +1,4 @@
-#include "app/dialogs.h"
+#include "storage/dialogs.h"
 
 #include <QColorDialog>
 #include <QInputDialog>

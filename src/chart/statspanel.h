@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QFrame>
+#include <array>
+
+class QCheckBox;
+class QLabel;
+
+namespace trendax {
+
+// A row of the statistics panel: visibility box, colour sample, name and seven read-outs.
+struct StatsRow {
+    QCheckBox* chkChannelVisible = nullptr;
+    QFrame* Line1 = nullptr;
+    QLabel* lblVar = nullptr;
+    QLabel* lblCursorValue = nullptr;
+    QLabel* lblMinDisp = nullptr;
+    QLabel* lblAvgDisp = nullptr;
+    QLabel* lblMaxDisp = nullptr;
+    QLabel* lblMin = nullptr;
+    QLabel* lblAvg = nullptr;
+    QLabel* lblMax = nullptr;
+};
+
+// What the chart answers for one variable, shown in a row of the panel.
+struct RowStatistics {
+    double cursorValue = 0;
+    double viewMin = 0, viewAvg = 0, viewMax = 0; // over the visible window
+    double dataMin = 0, dataAvg = 0, dataMax = 0; // over all loaded points
+};
+
+// The statistics panel under the chart (picStats): the cursor time and one row per variable,
+// laid out in twips at the given resolution. Its height decides how many rows show.
+class StatsPanel : public QFrame {
+    Q_OBJECT
+
+public:
+    static constexpr int rowCount = 13;
+
+    explicit StatsPanel(double dpi, QWidget* parent = nullptr);
+
+    QLabel* lblCursor = nullptr;
+    std::array<StatsRow, rowCount> rows;
+
+    double heightTwips() const { return heightTwips_; }
+    void setHeightTwips(double twips);
+    void setRowName(int row, const QString& name);
+    // The name's text colour and the colour sample's colour of a row.
+    QColor rowColor(int row) const;
+    void setRowColor(int row, const QColor& color);
+    void setCursorText(const QString& text);
+    // The seven read-outs of a row in the "0.00" pattern.
+    void showStatistics(int row, const RowStatistics& values);
+
+signals:
+    // A click on the name of a row (lblVar).
+    void nameClicked(int row);
+    // A row's visibility box changed, by the user or by the program.
+    void visibilityChanged(int row, bool visible);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    int px(double twips) const;
+
+    double dpi_;
+    double heightTwips_ = 1630;
+};
+
+} // namespace trendax
