@@ -3,7 +3,6 @@
 // state, so that a run can be checked for correctness as well as timed.
 //
 // Usage: trendax-load-bench APPFOLDER SITE START END [--json]   (dates as MM/DD/YY)
-#include "storage/dialogs.h"
 #include "app/form1.h"
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
@@ -11,6 +10,7 @@
 #include "opendlg/dlgopen.h"
 #include "opendlg/sitetree.h"
 #include "storage/datetime.h"
+#include "storage/dialogs.h"
 #include "storage/environment.h"
 #include "storage/filenames.h"
 #include "storage/textfile.h"

@@ -2,12 +2,12 @@
 // the picture in the README. Usage: trendax-screenshot MEDIA_FOLDER OUT.png [SITE [DIALOG.png]]
 // With DIALOG.png the open dialog is rendered too, browsing the media with the site's first day
 // chosen.
-#include "storage/dialogs.h"
 #include "app/form1.h"
 #include "chart/stripchart.h"
 #include "opendlg/dlgopen.h"
 #include "opendlg/importer.h"
 #include "opendlg/sitetree.h"
+#include "storage/dialogs.h"
 #include "storage/environment.h"
 #include "storage/filenames.h"
 
