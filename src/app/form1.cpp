@@ -11,9 +11,8 @@
 #include "storage/debuglog.h"
 #include "storage/dialogs.h"
 #include "storage/environment.h"
+#include "storage/packedcolor.h"
 #include "storage/programtitle.h"
-#include "storage/qtcolor.h"
-#include "storage/twips.h"
 
 #include <QAction>
 #include <QApplication>

@@ -66,6 +66,8 @@ public:
     bool scrollRight = false;
 
     // ---- Controls ----
+    // The history column (frameHist) and the statistics panel (picStats) own their controls;
+    // lstHST, cmdAddComment, gridHistoryEvents, lblCursor and stats point into them.
     QToolBar* Toolbar1 = nullptr;
     QSplitter* CoolBar1 = nullptr;
     HistoryPanel* frameHist = nullptr;
