@@ -1,4 +1,5 @@
-// The main window's loading routines: the data log reader's window side and the well loader.
+// The main window's routines of opening and loading a site: the open command, the data log
+// reader's window side and the well loader.
 #include "app/form1.h"
 #include "calibration/factorfiles.h"
 #include "chart/channellayouts.h"
