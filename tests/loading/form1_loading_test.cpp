@@ -258,12 +258,15 @@ TEST_F(LoadingASite, EightyEightChannelsLoadButHandNothingOver) {
     EXPECT_DOUBLE_EQ(w->XMin, mar15);
 }
 
-TEST_F(LoadingASite, SchemaIniNamesTheLastDataLogRead) {
+// The section names the file as the loader builds its name (site, date code, ".csv"), not as
+// import left it on disk (".CSV"); the file is still found whatever its letter case.
+TEST_F(LoadingASite, SchemaIniNamesTheBuiltFileNameNotTheOneOnDisk) {
     writeDay("AB12", "031412", 5);
     writeDay("AB12", "031512", 5);
     load("AB12", {"031412", "031512"}, mar14, mar15);
+    EXPECT_EQ(points(0), 20u);
     EXPECT_EQ(scratch.read("logfiles/Schema.ini"),
-              QByteArray("[AB12031512.CSV]\r\nFormat=CSVDelimited\r\nCharacterSet=ANSI\r\n"
+              QByteArray("[AB12031512.csv]\r\nFormat=CSVDelimited\r\nCharacterSet=ANSI\r\n"
                          "DecimalSymbol=.\r\n"));
 }
 
