@@ -14,7 +14,6 @@
 #include <QPainterPath>
 #include <QPixmap>
 #include <QPrinter>
-#include <QtMath>
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -39,6 +38,7 @@ struct Geometry {
     QRectF plot;
     std::vector<QRectF> bands;
     TimeMapping time;
+    int maxTimeTicks = 1; // labelled tics the time axis has room for
     QFont axisFont;
     QFont captionFont;
     double captionHeight = 0.0;
@@ -80,9 +80,9 @@ Geometry StripChart::Impl::geometry(const QRectF& area, double scale, const QFon
     g.area = area;
     g.scale = scale;
     g.axisFont = base;
-    g.axisFont.setPixelSize(std::max(1, qRound(axisFontPixels * scale)));
+    g.axisFont.setPixelSize(std::max(1, pixelIndex(axisFontPixels * scale)));
     g.captionFont = base;
-    g.captionFont.setPixelSize(std::max(1, qRound(captionFontPixels * scale)));
+    g.captionFont.setPixelSize(std::max(1, pixelIndex(captionFontPixels * scale)));
     g.captionFont.setBold(true);
 
     const QFontMetricsF fm(g.axisFont);
@@ -112,6 +112,8 @@ Geometry StripChart::Impl::geometry(const QRectF& area, double scale, const QFon
         g.bands.emplace_back(g.plot.left(), g.plot.top() + t * (bandHeight + gap), g.plot.width(),
                              bandHeight);
     g.time = TimeMapping{model.xViewStart(), model.xViewEnd(), g.plot.left(), g.plot.width()};
+    const double tickWidth = fm.horizontalAdvance(QStringLiteral("00/00/0000")) + 16.0 * scale;
+    g.maxTimeTicks = std::max(1, pixelIndex(std::floor(g.plot.width() / tickWidth)));
     return g;
 }
 
@@ -128,14 +130,10 @@ void StripChart::Impl::paintBase(QPainter& p, const Geometry& g) {
     if (model.appearance().gridLines) {
         QPen grid(QColor(0, 0, 0, 60), 0.0, Qt::DotLine);
         p.setPen(grid);
-        const QFontMetricsF fm(g.axisFont);
-        const int maxTicks =
-            std::max(1, int(g.plot.width() /
-                            (fm.horizontalAdvance(QStringLiteral("00/00/0000")) + 16.0 * g.scale)));
-        const auto ticks = timeTicks(model.xViewStart(), model.xViewEnd(), maxTicks);
+        const auto ticks = timeTicks(model.xViewStart(), model.xViewEnd(), g.maxTimeTicks);
         for (const QRectF& band : g.bands) {
             for (const TimeTick& tick : ticks) {
-                const double x = g.time.toX(tick.time);
+                const double x = safePixel(g.time.toX(tick.time));
                 p.drawLine(QPointF(x, band.top()), QPointF(x, band.bottom()));
             }
             for (int i = 1; i < yTickCount - 1; ++i) {
@@ -172,8 +170,7 @@ void StripChart::Impl::paintCurves(QPainter& p, const Geometry& g) {
         polyline.clear();
         polyline.reserve(curve.size());
         for (const CurvePoint& c : curve)
-            polyline.emplace_back(std::clamp(g.time.toX(c.time), -1.0e6, 1.0e6),
-                                  values.toY(c.value));
+            polyline.emplace_back(safePixel(g.time.toX(c.time)), values.toY(c.value));
         collapsePixelColumns(polyline);
         p.save();
         p.setClipRect(band);
@@ -271,12 +268,9 @@ void StripChart::Impl::paintAxes(QPainter& p, const Geometry& g) const {
     }
 
     // Time axis under the last band.
-    const int maxTicks =
-        std::max(1, int(g.plot.width() /
-                        (fm.horizontalAdvance(QStringLiteral("00/00/0000")) + 16.0 * g.scale)));
     const double axisY = g.plot.bottom();
-    for (const TimeTick& tick : timeTicks(model.xViewStart(), model.xViewEnd(), maxTicks)) {
-        const double x = g.time.toX(tick.time);
+    for (const TimeTick& tick : timeTicks(model.xViewStart(), model.xViewEnd(), g.maxTimeTicks)) {
+        const double x = safePixel(g.time.toX(tick.time));
         p.drawLine(QPointF(x, axisY), QPointF(x, axisY + tickLength));
         const double w = fm.horizontalAdvance(QStringLiteral("00/00/0000")) + 8.0 * g.scale;
         p.drawText(QRectF(x - w / 2.0, axisY + tickLength + 1.0 * g.scale, w, 2.0 * fm.height()),
@@ -285,7 +279,7 @@ void StripChart::Impl::paintAxes(QPainter& p, const Geometry& g) const {
 }
 
 void StripChart::Impl::paintCursor(QPainter& p, const Geometry& g) const {
-    const double x = g.time.toX(model.cursorX());
+    const double x = safePixel(g.time.toX(model.cursorX()));
     if (x < g.plot.left() || x > g.plot.right())
         return;
     p.save();
@@ -305,11 +299,13 @@ StripChart::StripChart(QWidget* parent) : QWidget(parent), d(std::make_unique<Im
             update();
             return;
         }
-        // A cursor move repaints two thin strips: where the cursor was and where it is now.
+        // A cursor move repaints two thin strips: where the cursor was and where it is now. A
+        // cursor far outside the view (the middle of a load without rows lies 5 * 10^10 days
+        // out) gives a strip far outside the widget, which repaints nothing.
         const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
-        const int x = qRound(g.time.toX(d->model.cursorX()));
-        const int top = int(g.plot.top()) - 1;
-        const int height = int(g.plot.height()) + 3;
+        const int x = pixelIndex(g.time.toX(d->model.cursorX()));
+        const int top = pixelIndex(g.plot.top()) - 1;
+        const int height = pixelIndex(g.plot.height()) + 3;
         if (d->lastCursorPx >= 0)
             update(QRect(d->lastCursorPx - 2, top, 5, height));
         update(QRect(x - 2, top, 5, height));
@@ -350,7 +346,7 @@ void StripChart::paintEvent(QPaintEvent* event) {
     p.setClipRegion(event->region());
     p.drawPixmap(0, 0, d->layer);
     d->paintCursor(p, g);
-    d->lastCursorPx = qRound(g.time.toX(d->model.cursorX()));
+    d->lastCursorPx = pixelIndex(g.time.toX(d->model.cursorX()));
 }
 
 void StripChart::resizeEvent(QResizeEvent* event) {
@@ -572,6 +568,8 @@ void StripChart::PrintChart(QPainter& painter, double dpi, double left, double t
     if (!(dpi > 0.0) || !(width > 0.0) || !(height > 0.0))
         return;
     const QRectF area(left * dpi, top * dpi, width * dpi, height * dpi);
+    if (!std::isfinite(area.left() + area.width()) || !std::isfinite(area.top() + area.height()))
+        return;
     const Geometry g = d->geometry(area, dpi / 96.0, font());
     painter.save();
     painter.setClipRect(area);

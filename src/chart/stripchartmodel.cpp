@@ -179,7 +179,9 @@ void StripChartModel::setAppearance(const ChartAppearance& appearance) {
 // ---- Time window and cursor ----
 
 void StripChartModel::showXRange(double start, double end) {
-    if (!std::isfinite(start) || !std::isfinite(end) || !(start < end))
+    // Ends that are not numbers are refused, and so is a window whose width overflows a double:
+    // it would map every time onto one pixel column.
+    if (!std::isfinite(end - start) || !(start < end))
         return;
     viewStart_ = start;
     viewEnd_ = end;
@@ -607,7 +609,7 @@ void StripChartModel::curvePoints(int k, const TimeMapping& mapping,
     const Series& s = *series_[k];
     if (s.count() == 0 || !(mapping.end > mapping.start))
         return;
-    const std::size_t columns = std::size_t(std::max(1.0, std::ceil(mapping.width)));
+    const std::size_t columns = std::size_t(std::clamp(std::ceil(mapping.width), 1.0, pixelLimit));
     auto emitRaw = [&](std::size_t i) { out.push_back({s.x(i), s.y[i]}); };
     // One column's worth of points [a, b) as first, min, max, last, in the order that keeps the
     // line from first to last continuous, all at time t (a time inside the column).
@@ -661,7 +663,7 @@ void StripChartModel::curvePoints(int k, const TimeMapping& mapping,
     // `columns`, so the lines that leave and re-enter the window are kept.
     auto columnOf = [&](double t) -> long long {
         const double x = std::floor(mapping.toX(t) - mapping.left);
-        if (x < 0.0)
+        if (!(x >= 0.0)) // NaN included: an infinite time in an infinitely wide window
             return -1;
         if (x >= double(columns))
             return (long long)(columns);

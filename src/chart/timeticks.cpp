@@ -25,6 +25,17 @@ QString clockText(const datetime::Civil& c, bool withSeconds) {
     return text;
 }
 
+// Tics are labelled with calendar dates from year 1 to year 9999 only: a window beyond them (an
+// extreme scroll, or one 10^11 days out) gets no tics there rather than a date no calendar has.
+double firstLabelledDay() {
+    static const double day = *datetime::fromDate(1, 1, 1);
+    return day;
+}
+double endOfLabelledDays() {
+    static const double day = *datetime::fromDate(10000, 1, 1);
+    return day;
+}
+
 } // namespace
 
 double timeTickStep(double start, double end, int maxTicks) {
@@ -45,8 +56,12 @@ std::vector<TimeTick> timeTicks(double start, double end, int maxTicks) {
     // A tolerance of a millisecond keeps a tic that sits on the window edge but came out a hair
     // outside after the division.
     const double tolerance = 0.001 * second;
-    const double first = std::ceil((start - tolerance) / step);
-    const double last = std::floor((end + tolerance) / step);
+    const double from = std::max(start, firstLabelledDay());
+    const double to = std::min(end, endOfLabelledDays());
+    if (from > to)
+        return ticks;
+    const double first = std::ceil((from - tolerance) / step);
+    const double last = std::floor((to + tolerance) / step);
     double previousDay = -1.0e300;
     for (double k = first; k <= last; k += 1.0) {
         const double t = k * step;

@@ -64,6 +64,10 @@ bool isBlankLine(const char* b, const char* e) {
     return true;
 }
 
+bool lineHasQuote(const char* b, const char* e) {
+    return std::memchr(b, '"', size_t(e - b)) != nullptr;
+}
+
 qsizetype countByte(const char* b, const char* e, char c) {
     qsizetype n = 0;
 #if defined(__SSE2__)
@@ -87,56 +91,113 @@ qsizetype countByte(const char* b, const char* e, char c) {
 
 // ---- Fields ----
 
-// Splits one line into fields. A field may be enclosed in double quotes (a doubled quote inside
-// stands for one); blanks around an unquoted field are dropped; an empty field is missing.
-// The quoted text is unescaped in place in scratch, which the returned views point into.
-void splitFields(std::string_view line, std::string& scratch, std::vector<Field>& out) {
-    out.clear();
-    scratch.assign(line);
-    char* s = scratch.data();
-    const size_t n = scratch.size();
-    size_t i = 0;
-    for (;;) {
-        size_t j = i;
+// Walks the fields of one line in order. A field may be enclosed in double quotes (a doubled
+// quote inside stands for one; a quote that is never closed runs to the line end); blanks around
+// an unquoted field are dropped; an empty field is missing; a comma at the very end starts one
+// more, empty, field. Walking allocates nothing, whatever the line holds: a line of a gigabyte
+// has as many fields as commas, and only the few a row uses are ever kept.
+class FieldCursor {
+public:
+    explicit FieldCursor(std::string_view line) : line_(line) {}
+
+    // Moves to the next field; false once the line has no more.
+    bool next() {
+        if (done_)
+            return false;
+        const char* s = line_.data();
+        const size_t n = line_.size();
+        size_t j = pos_;
         while (j < n && isBlank(s[j]))
             ++j;
-        size_t start = 0, length = 0;
+        doubledQuotes_ = false;
         if (j < n && s[j] == '"') {
-            ++j;
-            start = j;
-            size_t w = j;
+            begin_ = ++j;
+            end_ = n;
+            // The closing quote is the first one not doubled.
             while (j < n) {
-                if (s[j] == '"') {
-                    if (j + 1 < n && s[j + 1] == '"') {
-                        s[w++] = '"';
-                        j += 2;
-                        continue;
-                    }
-                    ++j;
+                const auto* q = static_cast<const char*>(std::memchr(s + j, '"', n - j));
+                if (!q) {
+                    j = n;
                     break;
                 }
-                s[w++] = s[j++];
+                const size_t at = size_t(q - s);
+                if (at + 1 < n && s[at + 1] == '"') {
+                    doubledQuotes_ = true;
+                    j = at + 2;
+                    continue;
+                }
+                end_ = at;
+                j = at + 1;
+                break;
             }
-            length = w - start;
-            while (j < n && s[j] != ',')
-                ++j;
+            j = commaFrom(j);
         } else {
-            start = j;
-            while (j < n && s[j] != ',')
-                ++j;
-            size_t e = j;
-            while (e > start && isBlank(s[e - 1]))
-                --e;
-            length = e - start;
+            begin_ = j;
+            j = commaFrom(j);
+            end_ = j;
+            while (end_ > begin_ && isBlank(s[end_ - 1]))
+                --end_;
         }
-        if (length == 0)
-            out.emplace_back(std::nullopt);
-        else
-            out.emplace_back(std::string_view(s + start, length));
         if (j >= n)
-            break;
-        i = j + 1; // past the comma; a comma at the very end starts one more (empty) field
+            done_ = true;
+        else
+            pos_ = j + 1;
+        return true;
     }
+
+    // The current field; quoted text with doubled quotes is unescaped into scratch, which the
+    // view then points into, otherwise the view points into the line.
+    Field field(std::string& scratch) const {
+        if (end_ == begin_)
+            return std::nullopt;
+        const std::string_view raw = line_.substr(begin_, end_ - begin_);
+        if (!doubledQuotes_)
+            return raw;
+        scratch.clear();
+        for (size_t i = 0; i < raw.size(); ++i) {
+            scratch += raw[i];
+            if (raw[i] == '"')
+                ++i; // every quote inside is the first of a pair
+        }
+        return std::string_view(scratch);
+    }
+
+private:
+    size_t commaFrom(size_t j) const {
+        if (j >= line_.size())
+            return line_.size();
+        const auto* c =
+            static_cast<const char*>(std::memchr(line_.data() + j, ',', line_.size() - j));
+        return c ? size_t(c - line_.data()) : line_.size();
+    }
+
+    std::string_view line_;
+    size_t pos_ = 0;
+    bool done_ = false;
+    size_t begin_ = 0, end_ = 0; // the field's text in the line, quotes left out
+    bool doubledQuotes_ = false;
+};
+
+// The number of fields in a line.
+qsizetype countFields(std::string_view line) {
+    FieldCursor cursor(line);
+    qsizetype n = 0;
+    while (cursor.next())
+        ++n;
+    return n;
+}
+
+// The fields a row uses: site code, date, time and the thirteen channels.
+constexpr size_t rowFields = 3 + channelSlots;
+
+// The first rowFields fields of a line (fewer if it has fewer); the rest are passed over. Each
+// kept field has its own scratch, so the memory a line's fields take never exceeds the line.
+void splitRowFields(std::string_view line, std::array<std::string, rowFields>& scratch,
+                    std::vector<Field>& out) {
+    out.clear();
+    FieldCursor cursor(line);
+    while (out.size() < rowFields && cursor.next())
+        out.push_back(cursor.field(scratch[out.size()]));
 }
 
 // ---- Fast path helpers ----
@@ -247,7 +308,7 @@ private:
     char dateKey_[8]{};
     bool dateKeyValid_ = false;
     double dateValue_ = 0;
-    std::string scratch_;
+    std::array<std::string, rowFields> scratch_;
     std::vector<Field> fields_;
 };
 
@@ -260,13 +321,9 @@ void Parser::measure() {
         if (isBlankLine(b, e))
             continue;
         ++rows;
-        qsizetype fields;
-        if (hasQuotes_) {
-            splitFields(std::string_view(b, size_t(e - b)), scratch_, fields_);
-            fields = qsizetype(fields_.size());
-        } else {
-            fields = countByte(b, e, ',') + 1;
-        }
+        const qsizetype fields = hasQuotes_ && lineHasQuote(b, e)
+                                     ? countFields(std::string_view(b, size_t(e - b)))
+                                     : countByte(b, e, ',') + 1;
         widest = std::max(widest, fields);
     }
     result_.rowCount = rows;
@@ -280,12 +337,13 @@ QString Parser::dump() {
     while (lines.next(b, e)) {
         if (isBlankLine(b, e))
             continue;
-        splitFields(std::string_view(b, size_t(e - b)), scratch_, fields_);
+        FieldCursor cursor(std::string_view(b, size_t(e - b)));
         for (int f = 0; f < result_.fieldCount; ++f) {
             if (f > 0)
                 text += "[,]";
-            if (f < int(fields_.size()) && fields_[size_t(f)])
-                text.append(fields_[size_t(f)]->data(), qsizetype(fields_[size_t(f)]->size()));
+            const Field field = cursor.next() ? cursor.field(scratch_[0]) : std::nullopt;
+            if (field)
+                text.append(field->data(), qsizetype(field->size()));
             else
                 text += "[null]";
         }
@@ -420,7 +478,7 @@ bool Parser::fastRow(const char* b, const char* e, double values[channelSlots]) 
 
 void Parser::generalRow(const char* b, const char* e, double values[channelSlots],
                         bool& channel1Present) {
-    splitFields(std::string_view(b, size_t(e - b)), scratch_, fields_);
+    splitRowFields(std::string_view(b, size_t(e - b)), scratch_, fields_);
     auto field = [&](size_t i) -> Field { return i < fields_.size() ? fields_[i] : std::nullopt; };
 
     std::optional<double> channel1;
@@ -471,7 +529,7 @@ void Parser::visitRows() {
     const bool oneChannel = state_.numChannels <= 1;
     const double scale = state_.mScale;
     const double offset = state_.mOffset;
-    const bool fast = options_.fastPath && !hasQuotes_;
+    const bool fast = options_.fastPath;
     std::int16_t bad = 0;
     bool anyGood = false;
     double values[channelSlots];
@@ -487,7 +545,7 @@ void Parser::visitRows() {
             options_.progress(i, result_.rowCount);
 
         std::fill(std::begin(values), std::end(values), 0.0);
-        bool good = fast && fastRow(b, e, values);
+        bool good = fast && !(hasQuotes_ && lineHasQuote(b, e)) && fastRow(b, e, values);
         if (!good)
             generalRow(b, e, values, good);
         if (!good) {

@@ -32,7 +32,9 @@ bool dayInRange(datetime::DateTime fdate, datetime::DateTime startdate,
 }
 
 QString dataLogPath(const NodeCopy& node, const QString& code) {
-    return filenames::resolve(filenames::join(node.tag, node.text + code + QStringLiteral(".csv")));
+    // Left as built: the reader names Schema.ini's section after it and opens it whatever the
+    // letter case of the file there.
+    return filenames::join(node.tag, node.text + code + QStringLiteral(".csv"));
 }
 
 QString historyFilePath(const NodeCopy& node, const QString& code) {

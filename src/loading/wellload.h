@@ -32,9 +32,11 @@ std::optional<datetime::DateTime> dateOfCode(const QString& code);
 // Inclusive, by calendar day: times of day play no part on any side.
 bool dayInRange(datetime::DateTime fdate, datetime::DateTime startdate, datetime::DateTime enddate);
 
-// The day's data log and history file (tag/site + code + ".csv" / ".txt"), and the site's
-// comments file in the home folder; each resolved to the file there whatever its letter case.
+// The day's data log as the loader builds it (tag/site + code + ".csv", whatever the letter case
+// of the file on disk; the reader resolves it when it opens it).
 QString dataLogPath(const NodeCopy& node, const QString& code);
+// The day's history file (tag/site + code + ".txt") and the site's comments file in the home
+// folder, each resolved to the file there whatever its letter case.
 QString historyFilePath(const NodeCopy& node, const QString& code);
 QString commentsFilePath(const QString& appFolder, const QString& siteCode);
 

@@ -11,6 +11,7 @@
 #include <QAction>
 #include <QDir>
 #include <QFile>
+#include <QImage>
 #include <QLabel>
 #include <QProgressBar>
 #include <QToolButton>
@@ -104,6 +105,40 @@ TEST_F(LoadingASite, ASiteWithoutDaysClearsTheChartAndFails) {
     EXPECT_TRUE(w->isEnabled());
     EXPECT_TRUE(scratch.read("TXDebug.txt").contains(": \tLoadWell().ERR1: "));
 }
+
+// Loads that find no rows end with XMin 10^11 and XMax 0, so the cursor lands at 5 * 10^10, far
+// off any view; its repaint must not overflow (the sanitizer build aborts on that).
+struct RowlessLoad {
+    const char* name;
+    const char* dayLog; // the one day's data log, 031512
+    double start, end;  // the chosen range
+};
+
+class LoadsWithoutRows : public LoadingASite, public ::testing::WithParamInterface<RowlessLoad> {};
+
+TEST_P(LoadsWithoutRows, DoNotOverflowTheCursorRepaint) {
+    const RowlessLoad& c = GetParam();
+    scratch.write("logfiles/AB12031512.CSV", c.dayLog);
+    w->resize(1024, 700);
+    w->show();
+    load("AB12", {"031512"}, c.start, c.end);
+    EXPECT_EQ(points(0), 0u);
+    EXPECT_EQ(w->XMin, 1e11);
+    EXPECT_EQ(w->XMax, 0.0);
+    EXPECT_EQ(w->Strip1->CursorX(), 5e10);
+    EXPECT_TRUE(w->isEnabled());
+    EXPECT_EQ(w->progressDialog(), nullptr);
+    const QImage chart = w->Strip1->grab().toImage();
+    EXPECT_EQ(chart.size(), w->Strip1->size());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Sites, LoadsWithoutRows,
+    ::testing::Values(
+        RowlessLoad{"EmptyDataLog", "", mar15, mar15},
+        RowlessLoad{"HeaderOnlyDataLog", "Site,Date,Time,Channel 1\r\n", mar15, mar15},
+        RowlessLoad{"RangeWithoutADay", "AB12,03/15/12,00:00:01.00,1\r\n", mar16, mar16}),
+    [](const ::testing::TestParamInfo<RowlessLoad>& info) { return info.param.name; });
 
 TEST_F(LoadingASite, ADeletedDataLogEndsTheLoadKeepingTheDaysBefore) {
     for (const char* d : {"031412", "031512", "031612"})
@@ -223,12 +258,15 @@ TEST_F(LoadingASite, EightyEightChannelsLoadButHandNothingOver) {
     EXPECT_DOUBLE_EQ(w->XMin, mar15);
 }
 
-TEST_F(LoadingASite, SchemaIniNamesTheLastDataLogRead) {
+// The section names the file as the loader builds its name (site, date code, ".csv"), not as
+// import left it on disk (".CSV"); the file is still found whatever its letter case.
+TEST_F(LoadingASite, SchemaIniNamesTheBuiltFileNameNotTheOneOnDisk) {
     writeDay("AB12", "031412", 5);
     writeDay("AB12", "031512", 5);
     load("AB12", {"031412", "031512"}, mar14, mar15);
+    EXPECT_EQ(points(0), 20u);
     EXPECT_EQ(scratch.read("logfiles/Schema.ini"),
-              QByteArray("[AB12031512.CSV]\r\nFormat=CSVDelimited\r\nCharacterSet=ANSI\r\n"
+              QByteArray("[AB12031512.csv]\r\nFormat=CSVDelimited\r\nCharacterSet=ANSI\r\n"
                          "DecimalSymbol=.\r\n"));
 }
 

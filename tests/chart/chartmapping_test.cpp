@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 
 namespace trendax {
@@ -71,7 +72,33 @@ INSTANTIATE_TEST_SUITE_P(Rows, ValueMappingRows,
                                          ValueRow{{5.0, 5.0, 0.0, 100.0}, 5.0, 50.0},
                                          ValueRow{{5.0, 1.0, 0.0, 100.0}, 3.0, 50.0},
                                          // Wild values are clamped, not overflowed.
-                                         ValueRow{{0.0, 1.0, 0.0, 100.0}, 1e300, -1.0e6}));
+                                         ValueRow{{0.0, 1.0, 0.0, 100.0}, 1e300, -1.0e6},
+                                         ValueRow{{0.0, 1.0, 0.0, 100.0}, -HUGE_VAL, 100.0 + 1.0e6},
+                                         ValueRow{{0.0, 1.0, 0.0, 100.0}, NAN, -1.0e6}));
+
+// ---- Pixels for painting ----
+
+TEST(SafePixel, FarNonFiniteAndNotANumberStayInsideTheLimit) {
+    struct Row {
+        const char* name;
+        double x;
+        double safe;
+        int index;
+    };
+    const Row rows[] = {
+        {"on the plot", 12.5, 12.5, 13},
+        {"a cursor 5e10 days out through a day's window", 5e10 * 1000.0, 1.0e6, 1'000'000},
+        {"far left", -3e14, -1.0e6, -1'000'000},
+        {"infinite", HUGE_VAL, 1.0e6, 1'000'000},
+        {"minus infinite", -HUGE_VAL, -1.0e6, -1'000'000},
+        {"not a number", NAN, -1.0e6, -1'000'000},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(safePixel(row.x), row.safe);
+        EXPECT_EQ(pixelIndex(row.x), row.index);
+    }
+}
 
 // ---- Summary pyramid ----
 

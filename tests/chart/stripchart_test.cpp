@@ -17,6 +17,8 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace trendax {
 namespace {
 
@@ -172,6 +174,72 @@ TEST_F(StripChartWidget, MarkersAddToTheLine) {
     const int withMarkers = countPixels(chart.grab().toImage(), plot, red);
     EXPECT_GT(withMarkers, lineOnly + 3 * 20);
 }
+
+// Views and cursors far from each other, and points that are not numbers, map to pixels far
+// outside any plot or to none at all; they must neither overflow the integer pixel arithmetic
+// nor put an off-screen cursor on the plot's edge.
+struct ExtremeView {
+    const char* name;
+    double start, end;    // the window asked for
+    double cursor;        // CursorX asked for
+    bool oddPoints;       // also NaN and infinite times and values on variable 1
+    double shownStart;    // XViewStart afterwards
+    bool cursorOnThePlot; // a black cursor line is drawn
+};
+
+class ExtremeViews : public StripChartWidget, public testing::WithParamInterface<ExtremeView> {};
+
+TEST_P(ExtremeViews, PaintAndPrintWithoutOverflow) {
+    const ExtremeView& c = GetParam();
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    chart.setCurrentVar(0);
+    chart.setVarColor(red);
+    chart.setVarSymbol(9);
+    if (c.oddPoints) {
+        const XYArray odd = makeArray(
+            {{nan, 1.0}, {inf, 2.0}, {-inf, 3.0}, {45000.6, nan}, {45000.7, inf}, {45000.8, -inf}});
+        chart.AddXYArray(1, &odd);
+        chart.setCurrentVar(1);
+        chart.setVarColor(green);
+        chart.setVarSymbol(3);
+    }
+    chart.show();
+    chart.ShowXRange(c.start, c.end);
+    chart.setCursorX(c.cursor);
+    chart.setCursorX(nan); // refused
+    EXPECT_EQ(chart.CursorX(), c.cursor);
+    EXPECT_EQ(chart.XViewStart(), c.shownStart);
+
+    const QImage shown = chart.grab().toImage();
+    const QRect inside = chart.plotArea().toRect().adjusted(1, 1, -1, -1);
+    EXPECT_EQ(countPixels(shown, inside, 0) > 0, c.cursorOnThePlot);
+
+    QImage page(1100, 850, QImage::Format_RGB32);
+    page.fill(Qt::black);
+    QPainter p(&page);
+    chart.PrintChart(p, 100.0, 1.5, 1.5, 8.0, 4.5);
+    p.end();
+    EXPECT_GT(countPixels(page, QRect(150, 150, 800, 450), chart.BackColor()), 0)
+        << "the chart was printed";
+}
+
+constexpr double farAway = 1e11;
+
+INSTANTIATE_TEST_SUITE_P(
+    Views, ExtremeViews,
+    testing::Values(
+        ExtremeView{"CursorFarRightOfTheView", 45000.0, 45001.0, 5e10, false, 45000.0, false},
+        ExtremeView{"CursorFarLeftOfTheView", 45000.0, 45001.0, -5e10, false, 45000.0, false},
+        ExtremeView{"ViewFarRightOfTheCursor", farAway - 1.0, farAway, 45000.5, false,
+                    farAway - 1.0, false},
+        ExtremeView{"ViewOverNearlyAllDoubles", -1e300, 1e300, 45000.5, false, -1e300, true},
+        ExtremeView{"ViewWhoseSpanOverflowsIsRefused", -1.7e308, 1.7e308, 45000.5, false, 45000.0,
+                    true},
+        ExtremeView{"NotANumberAndInfinitePoints", 45000.0, 45001.0, 45000.5, true, 45000.0, true},
+        ExtremeView{"NotANumberAndInfinitePointsInAHugeView", -1e300, 1e300, farAway, true, -1e300,
+                    true}),
+    [](const testing::TestParamInfo<ExtremeView>& info) { return info.param.name; });
 
 // Records every text a painter draws, with where it lands on the device.
 class TextRecorder : public QPaintDevice {

@@ -68,6 +68,18 @@ TEST(TimeTicks, SecondsAndDaysResolution) {
     EXPECT_EQ(days[1].label, "3/8/2024");
 }
 
+// A window 10^11 days out, or one over nearly every double, must not label tics with dates no
+// calendar has (nor turn their day numbers into integers that overflow).
+TEST(TimeTicks, WindowsBeyondTheCalendarHaveNoTicsThere) {
+    EXPECT_TRUE(timeTicks(1e11 - 1.0, 1e11, 10).empty());
+    const double firstDay = *datetime::fromDate(1, 1, 1);
+    const double lastDay = *datetime::fromDate(9999, 12, 31);
+    for (const TimeTick& t : timeTicks(-1e300, 1e300, 10)) {
+        EXPECT_GE(t.time, firstDay);
+        EXPECT_LE(t.time, lastDay + 1.0);
+    }
+}
+
 TEST(TimeTicks, NoTicksForAnEmptyWindow) {
     EXPECT_TRUE(timeTicks(5.0, 5.0, 10).empty());
     EXPECT_TRUE(timeTicks(1e11, 0.0, 10).empty());

@@ -299,6 +299,36 @@ TEST(DataLogPaths, FastAndGeneralPathsAgreeOnAwkwardNumbers) {
     expectSameArrays(read(bytes, a, false, true).result, read(bytes, b, false, false).result);
 }
 
+// Lines of a few megabytes with quotes in many places: around the site code and the time, in the
+// channels, past the channels with commas and doubled quotes inside, and never closed. The rows
+// without quotes around them take the fast path; the general path must read them all the same.
+TEST(DataLogPaths, FastAndGeneralPathsAgreeOnLongLinesWithQuotes) {
+    QByteArray bytes = "AB12,03/15/12,00:00:01.00,1,2,3,4,5,6,7,8,9,10,11,12,13\r\n";
+    bytes += "\"AB,12\",03/15/12,\"00:00:02.50\",1.5,\"2\",3,\"4\"\"\",5,6,7,8,9,10,11,12,\"13\"";
+    bytes += ",\"x,\"\"y\"\"\",\"" + QByteArray("1,").repeated(1'000'000) + "\"";
+    bytes += QByteArray(",2").repeated(20'000) + "\r\n";
+    bytes += "AB12,03/15/12,00:00:03.00,7\r\n";
+    bytes += "AB12,03/15/12,00:00:04.00,8" + QByteArray(",9").repeated(12) + ",\"never closed";
+    bytes += QByteArray(",1").repeated(500'000) + "\r\n";
+    bytes += "AB12,03/15/12,00:00:05.00,\"9\r\n";
+
+    LoadState fastState, generalState;
+    const Read fast = read(bytes, fastState, false, true);
+    const Read general = read(bytes, generalState, false, false);
+    EXPECT_EQ(fast.result.fieldCount, 16 + 2 + 20'000);
+    EXPECT_EQ(general.result.fieldCount, fast.result.fieldCount);
+    EXPECT_EQ(fast.result.badRowCount, 0);
+    EXPECT_EQ(general.result.badRowCount, 0);
+    ASSERT_TRUE(fast.result.channels[12]) << "all thirteen channels are read";
+    EXPECT_THAT(ys(*fast.result.channels[0]), ElementsAre(1, 1.5, 7, 8, 9));
+    EXPECT_THAT(ys(*fast.result.channels[3]), ElementsAre(4, 0, 0, 9, 0)) << "4\" is no number";
+    EXPECT_THAT(ys(*fast.result.channels[12]), ElementsAre(13, 13, 0, 9, 0));
+    EXPECT_DOUBLE_EQ(fast.result.channels[0]->x(1), at(2012, 3, 15, 0, 0, 2) + 50 / 8'640'000.0);
+    expectSameArrays(fast.result, general.result);
+    EXPECT_EQ(fastState.XMin, generalState.XMin);
+    EXPECT_EQ(fastState.XMax, generalState.XMax);
+}
+
 // ---- Reading a file ----
 
 TEST(DataLogFile, WritesSchemaIniResolvesTheNameAndReportsAMissingFile) {

@@ -46,7 +46,8 @@ TEST(DayFiles, AreFoundWhateverTheirLetterCase) {
     app.write("logfiles/ab12031512.TXT", "x");
     app.write("logfiles/AB12USEREVENTS.txt", "x");
     const NodeCopy node = CopySelectedNode("AB12", app.file("logfiles"), {"031512"}, 0, 0);
-    EXPECT_EQ(dataLogPath(node, "031512"), app.file("logfiles/AB12031512.CSV"));
+    // The data log keeps the loader's spelling: the reader finds it when it opens it.
+    EXPECT_EQ(dataLogPath(node, "031512"), app.file("logfiles/AB12031512.csv"));
     EXPECT_EQ(historyFilePath(node, "031512"), app.file("logfiles/ab12031512.TXT"));
     EXPECT_EQ(commentsFilePath(app.path(), "AB12"), app.file("logfiles/AB12USEREVENTS.txt"));
     // A file that is not there keeps the loader's own spelling.
