@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QSaveFile>
 #include <array>
+#include <cerrno>
+#include <unistd.h>
 
 namespace trendax::textfile {
 
@@ -92,7 +94,12 @@ bool writeLines(const QString& path, const QStringList& lines) {
     QSaveFile file(target);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    if (file.write(bytes) != bytes.size()) {
+    // QSaveFile buffers small writes and commits even when its closing flush failed, which on a
+    // full disk would put an empty file in place of the old one: flush and sync here and give
+    // up, leaving the old file, unless every step succeeded.
+    const bool written = file.write(bytes) == bytes.size() && file.flush() &&
+                         (::fsync(file.handle()) == 0 || errno == EINVAL);
+    if (!written) {
         file.cancelWriting();
         return false;
     }
@@ -104,7 +111,7 @@ bool appendLine(const QString& path, const QString& line) {
     if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
         return false;
     const QByteArray bytes = encode(line) + "\r\n";
-    return file.write(bytes) == bytes.size();
+    return file.write(bytes) == bytes.size() && file.flush();
 }
 
 } // namespace trendax::textfile
