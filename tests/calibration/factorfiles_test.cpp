@@ -4,6 +4,7 @@
 #include "support/scratchfolder.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <gtest/gtest.h>
 
 namespace trendax {
@@ -85,6 +86,18 @@ TEST_F(FactorFiles, FullDiskKeepsOldScaleFile) {
     EXPECT_FALSE(WriteFactors(scalePath, "3", offsetPath, "-1"));
     EXPECT_EQ(app.read("cnffiles/AB12scal.txt"), QByteArray("2\r\n"));
     EXPECT_EQ(app.read("cnffiles/AB12offs.txt"), QByteArray("7\r\n"));
+}
+
+TEST_F(FactorFiles, SymlinkedScaleFileIsReplacedNotWrittenThrough) {
+    const QString target = app.write("elsewhere/target.txt", "keep\r\n");
+    app.mkdir("cnffiles");
+    ASSERT_TRUE(QFile::link(target, app.file("cnffiles/AB12scal.txt")));
+    scale();
+    offset();
+    ASSERT_TRUE(WriteFactors(scalePath, "3", offsetPath, "-1"));
+    EXPECT_EQ(app.read("elsewhere/target.txt"), QByteArray("keep\r\n"));
+    EXPECT_FALSE(QFileInfo(app.file("cnffiles/AB12scal.txt")).isSymLink());
+    EXPECT_EQ(app.read("cnffiles/AB12scal.txt"), QByteArray("3\r\n"));
 }
 
 TEST_F(FactorFiles, AOneChannelLogIsShownCalibrated) {
