@@ -98,6 +98,7 @@ dlgOpen::dlgOpen(Environment& environment, Dialogs& dialogs, QWidget* parent)
     ConfigFolderPath = homefolder::configFolder(env_.appFolder());
     QDir().mkpath(HomeFolderPath);
     QDir().mkpath(ConfigFolderPath);
+    removeStaleTemporaries();
     fillDriveList();
     setDir1Path(env_.appFolder());
 
@@ -356,6 +357,7 @@ void dlgOpen::cmdImport_Click() {
                          programTitle(), QMessageBox::Yes | QMessageBox::No,
                          QMessageBox::Question) == QMessageBox::Yes;
 
+    removeStaleTemporaries();
     import::Callbacks callbacks;
     callbacks.begin = [this](int count) {
         pb1->setMaximum(count);
@@ -385,6 +387,11 @@ void dlgOpen::cmdImport_Click() {
         dialogs_.message(this, QStringLiteral("The site list stopped at %1.").arg(*failure),
                          programTitle(), QMessageBox::Ok, QMessageBox::Warning);
     }
+}
+
+void dlgOpen::removeStaleTemporaries() {
+    homefolder::removeStaleTemporaries(HomeFolderPath);
+    homefolder::removeStaleTemporaries(ConfigFolderPath);
 }
 
 // ---- Folder browser ----

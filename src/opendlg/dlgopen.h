@@ -112,6 +112,8 @@ private:
     void fillDriveList();
     void ShowHomeFolder();
     void showDates();
+    // What an import or a write killed half-way left in the two folders.
+    void removeStaleTemporaries();
 
     Environment& env_;
     Dialogs& dialogs_;

@@ -1,5 +1,7 @@
 #include "opendlg/filecopy.h"
 
+#include "storage/filenames.h"
+
 #include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
@@ -55,7 +57,8 @@ Result copy(const QString& source, const QString& destination, const Progress& p
     const QByteArray folder = QFile::encodeName(QFileInfo(destination).absolutePath());
 
     Descriptor in;
-    in.fd = ::open(src.constData(), O_RDONLY | O_CLOEXEC);
+    // Non-blocking, so that opening a pipe does not wait for a writer; it is refused below.
+    in.fd = ::open(src.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (in.fd < 0)
         return failure(errno, QStringLiteral("cannot open the file"));
     struct stat st {};
@@ -63,6 +66,9 @@ Result copy(const QString& source, const QString& destination, const Progress& p
         return failure(errno, QStringLiteral("cannot read the file"));
     if (S_ISDIR(st.st_mode))
         return failure(EISDIR, QStringLiteral("cannot open the file"));
+    // A device or a pipe could feed the copy for ever.
+    if (!S_ISREG(st.st_mode))
+        return failure(EINVAL, QStringLiteral("not a regular file"));
 
     if (const int error = makeFolder(folder))
         return failure(error, QStringLiteral("cannot create the destination folder"));
@@ -72,7 +78,12 @@ Result copy(const QString& source, const QString& destination, const Progress& p
     out.fd = ::mkstemp(temporary.data());
     if (out.fd < 0)
         return failure(errno, QStringLiteral("cannot write in the destination folder"));
-    ::fchmod(out.fd, 0644);
+    // What a new file of the user's gets, and never more than the source allows.
+    if (::fchmod(out.fd, mode_t(filenames::newFilePermissions() & st.st_mode & 0777)) != 0) {
+        const int error = errno;
+        ::unlink(temporary.constData());
+        return failure(error, QStringLiteral("cannot write in the destination folder"));
+    }
 
     const auto abandon = [&](int error, const QString& step) {
         const Result result = failure(error, step);

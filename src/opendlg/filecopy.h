@@ -6,7 +6,9 @@
 
 // Copying one file so that a reader never sees half of it: the bytes go to a temporary file in
 // the destination's folder, which is then renamed over the destination. A missing destination
-// folder is created; an existing destination is replaced without asking.
+// folder is created; an existing destination is replaced without asking. Only regular files are
+// copied; a copy gets the permissions the user's umask gives a new file, never more than the
+// source's.
 namespace trendax::filecopy {
 
 struct Result {

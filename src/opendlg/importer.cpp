@@ -1,13 +1,16 @@
 #include "opendlg/importer.h"
 
 #include "opendlg/filecopy.h"
-#include "opendlg/sitetree.h"
 #include "storage/filenames.h"
 #include "storage/textfile.h"
 
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
+#include <cstdlib>
+#include <dirent.h>
+#include <sys/stat.h>
 
 namespace trendax::import {
 
@@ -92,22 +95,75 @@ QString historyName(QStringView name, QStringView year) {
 
 namespace {
 
+// The real path of a file, symbolic links resolved; empty when it cannot be resolved.
+QByteArray realPath(const QByteArray& path) {
+    char* real = ::realpath(path.constData(), nullptr);
+    if (!real)
+        return {};
+    QByteArray result(real);
+    std::free(real);
+    return result;
+}
+
+} // namespace
+
+std::vector<SourceFile> listSource(const QString& folder) {
+    std::vector<SourceFile> files;
+    if (folder.isEmpty())
+        return files;
+    const QByteArray native = QFile::encodeName(folder);
+    const QByteArray inside = realPath(native) + '/';
+    DIR* dir = ::opendir(native.constData());
+    if (!dir)
+        return files;
+    while (const dirent* entry = ::readdir(dir)) {
+        const QByteArray name(entry->d_name);
+        if (name.startsWith('.'))
+            continue;
+        const QByteArray path = native + '/' + name;
+        struct stat st {};
+        if (::lstat(path.constData(), &st) != 0)
+            continue;
+        bool copyable = S_ISREG(st.st_mode);
+        if (S_ISLNK(st.st_mode)) {
+            struct stat target {};
+            const bool resolves = ::stat(path.constData(), &target) == 0;
+            if (resolves && S_ISDIR(target.st_mode))
+                continue;
+            copyable = resolves && S_ISREG(target.st_mode) && realPath(path).startsWith(inside);
+        } else if (!copyable) {
+            continue; // a folder, a device, a pipe
+        }
+        const QString decoded = QFile::decodeName(name);
+        files.push_back({decoded, filenames::join(folder, decoded), copyable});
+    }
+    ::closedir(dir);
+    // Names that differ only in letter case keep one order: capitals first.
+    std::sort(files.begin(), files.end(), [](const SourceFile& a, const SourceFile& b) {
+        const int c = a.name.compare(b.name, Qt::CaseInsensitive);
+        return c != 0 ? c < 0 : a.name < b.name;
+    });
+    return files;
+}
+
+namespace {
+
 class Walk {
 public:
     Walk(const Folders& folders, bool deleteSources, const Callbacks& callbacks)
         : folders_(folders), deleteSources_(deleteSources), callbacks_(callbacks) {}
 
     Outcome run() {
-        const QStringList names = sitetree::listFiles(folders_.source);
-        outcome_.listed = int(names.size());
+        const std::vector<SourceFile> files = listSource(folders_.source);
+        outcome_.listed = int(files.size());
         if (callbacks_.begin)
             callbacks_.begin(outcome_.listed);
         int i = 0;
-        for (const QString& name : names) {
+        for (const SourceFile& file : files) {
             if (callbacks_.progress)
                 callbacks_.progress(i);
             ++i;
-            if (!importOne(name))
+            if (file.copyable && !importOne(file.name))
                 break;
         }
         return outcome_;

@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <functional>
 #include <optional>
+#include <vector>
 
 // Import of the files a controller delivers: which files are taken, the names they get in the
 // home and configuration folders, and the walk through a source folder. The walk reports what
@@ -55,6 +56,22 @@ struct Folders {
     QString home;   // HomeFolderPath
     QString config; // ConfigFolderPath
 };
+
+// A file of a source folder as the walk sees it.
+struct SourceFile {
+    QString name;
+    QString path;
+    // Regular files, and symbolic links to a regular file inside the source folder (copied as
+    // that file, since a controller's media may well link one name to another). A link that
+    // leads out of the folder, or to nothing, is listed but passed over like a file of an
+    // unknown kind: a link named like a data log must never bring a system file into the
+    // program's folders.
+    bool copyable = false;
+};
+
+// The files of a source folder in the walk's order (by name, without regard to letter case);
+// hidden files and subfolders are left out.
+std::vector<SourceFile> listSource(const QString& folder);
 
 struct Callbacks {
     // The number of files listed; the progress bar's maximum.

@@ -2,6 +2,7 @@
 
 #include "opendlg/filecopy.h"
 #include "storage/filenames.h"
+#include "storage/homefolder.h"
 
 #include <QDir>
 #include <QSet>
@@ -77,6 +78,7 @@ QStringList listFiles(const QString& folder) {
     if (folder.isEmpty())
         return {};
     QStringList names = QDir(folder).entryList(QDir::Files, QDir::Unsorted);
+    names.removeIf([](const QString& name) { return homefolder::isOwnTemporary(name); });
     // Names that differ only in letter case keep one order: capitals first.
     std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
         const int c = a.compare(b, Qt::CaseInsensitive);

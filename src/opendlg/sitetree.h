@@ -46,7 +46,8 @@ Tree buildFromNames(const QStringList& names,
                     const std::function<QString(const QString& hst, const QString& txt)>& copy);
 
 // The files of a folder in the order the tree and the import walk them: by name, without regard
-// to letter case. Hidden files and subfolders are left out; an empty path lists nothing.
+// to letter case. Hidden files, the program's own temporary files and subfolders are left out;
+// an empty path lists nothing.
 QStringList listFiles(const QString& folder);
 
 // The name of the working copy of a ".HST" file: its name less the last three characters plus

@@ -1,7 +1,9 @@
 #include "storage/filenames.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <sys/stat.h>
 
 namespace trendax::filenames {
 
@@ -18,6 +20,25 @@ QString resolve(const QString& path) {
             return folder.filePath(entry);
     }
     return path;
+}
+
+unsigned newFilePermissions() {
+    // Read from the process status where the kernel shows it, as setting the mask to read it
+    // back would change it for a moment under any other thread.
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (status.open(QIODevice::ReadOnly)) {
+        for (QByteArray line = status.readLine(); !line.isEmpty(); line = status.readLine()) {
+            if (line.startsWith("Umask:")) {
+                bool ok = false;
+                const unsigned mask = line.mid(6).trimmed().toUInt(&ok, 8);
+                if (ok)
+                    return 0666u & ~mask;
+            }
+        }
+    }
+    const mode_t mask = ::umask(022);
+    ::umask(mask);
+    return 0666u & ~unsigned(mask);
 }
 
 QString join(const QString& folder, const QString& name) {

@@ -11,6 +11,9 @@ namespace trendax::filenames {
 // unchanged (so that a writer creates it under the asked-for name).
 QString resolve(const QString& path);
 
+// The permission bits the user's umask gives a new file (0666 less the umask).
+unsigned newFilePermissions();
+
 // Joins a folder and a bare name with one separator.
 QString join(const QString& folder, const QString& name);
 

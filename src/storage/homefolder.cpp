@@ -4,7 +4,11 @@
 #include "storage/filenames.h"
 #include "storage/textfile.h"
 
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QStandardPaths>
 
 namespace trendax {
@@ -22,6 +26,34 @@ QString configFolder(const QString& appFolder) {
 QString redirectedHomeFolder() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
            QStringLiteral("/Trendax2/logfiles");
+}
+
+bool isOwnTemporary(QStringView name) {
+    // The six characters are those of mkstemp and of the earlier QSaveFile writer alike.
+    static const QRegularExpression pattern(
+        QStringLiteral(
+            "^(\\.trendax-copy-|(.{4}(scal|offs)\\.txt|schema\\.ini|.{4}userevents\\.txt)\\.)"
+            "[A-Za-z0-9]{6}$"),
+        QRegularExpression::CaseInsensitiveOption);
+    return pattern.match(name.toString()).hasMatch();
+}
+
+QStringList removeStaleTemporaries(const QString& folder) {
+    constexpr qint64 staleAfterSeconds = 5 * 60;
+    QStringList removed;
+    if (folder.isEmpty())
+        return removed;
+    const QDir dir(folder);
+    const QDateTime now = QDateTime::currentDateTime();
+    for (const QFileInfo& file : dir.entryInfoList(QDir::Files | QDir::Hidden | QDir::System)) {
+        if (!isOwnTemporary(file.fileName()) || file.isSymLink())
+            continue;
+        if (file.lastModified().secsTo(now) < staleAfterSeconds)
+            continue;
+        if (QFile::remove(file.filePath()))
+            removed << file.fileName();
+    }
+    return removed;
 }
 
 } // namespace homefolder

@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QStringView>
 
 namespace trendax {
 
@@ -18,6 +19,16 @@ QString configFolder(const QString& appFolder);
 // The per-user data folder's "logfiles": where a system-wide install keeps its home folder, the
 // counterpart of the per-user redirected copy of a protected install folder.
 QString redirectedHomeFolder();
+
+// Whether a bare file name is one of the program's own temporary files: a copy in progress
+// (".trendax-copy-" and six characters) or the replacement of one of the text files it writes
+// (a factor file, "Schema.ini", a comments file, then "." and six characters).
+bool isOwnTemporary(QStringView name);
+
+// Removes the program's own temporary files that an import or a write killed half-way left in
+// the folder, and returns their names. Only files untouched for some minutes go: a younger one
+// may belong to a copy that another instance of the program is still making.
+QStringList removeStaleTemporaries(const QString& folder);
 
 } // namespace homefolder
 

@@ -3,8 +3,12 @@
 #include "storage/filenames.h"
 
 #include <QFile>
-#include <QSaveFile>
 #include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace trendax::textfile {
 
@@ -88,15 +92,36 @@ bool writeLines(const QString& path, const QStringList& lines) {
         bytes += encode(line);
         bytes += "\r\n";
     }
-    const QString target = filenames::resolve(path);
-    QSaveFile file(target);
-    if (!file.open(QIODevice::WriteOnly))
+    const QByteArray target = QFile::encodeName(filenames::resolve(path));
+    // An existing file keeps its permissions. A symbolic link in its place is replaced by a
+    // regular file, never written through: a link in the configuration folder may point at
+    // anything, and the program's files are its own.
+    unsigned mode = filenames::newFilePermissions();
+    struct stat st {};
+    if (::lstat(target.constData(), &st) == 0 && S_ISREG(st.st_mode))
+        mode = st.st_mode & 07777;
+
+    // The bytes go to a temporary file beside the target, which is renamed over it only when
+    // every write and the sync succeeded; a full disk leaves the old file as it was.
+    QByteArray temporary = target + ".XXXXXX";
+    const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);
+    if (fd < 0)
         return false;
-    if (file.write(bytes) != bytes.size()) {
-        file.cancelWriting();
+    bool written = ::fchmod(fd, mode_t(mode)) == 0;
+    for (qsizetype put = 0; written && put < bytes.size();) {
+        const ssize_t n = ::write(fd, bytes.constData() + put, size_t(bytes.size() - put));
+        if (n < 0 && errno == EINTR)
+            continue;
+        written = n > 0;
+        put += n;
+    }
+    written = written && (::fsync(fd) == 0 || errno == EINVAL);
+    written = ::close(fd) == 0 && written;
+    if (!written || ::rename(temporary.constData(), target.constData()) != 0) {
+        ::unlink(temporary.constData());
         return false;
     }
-    return file.commit();
+    return true;
 }
 
 bool appendLine(const QString& path, const QString& line) {
@@ -104,7 +129,7 @@ bool appendLine(const QString& path, const QString& line) {
     if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
         return false;
     const QByteArray bytes = encode(line) + "\r\n";
-    return file.write(bytes) == bytes.size();
+    return file.write(bytes) == bytes.size() && file.flush();
 }
 
 } // namespace trendax::textfile

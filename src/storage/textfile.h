@@ -24,7 +24,8 @@ std::optional<QStringList> readLines(const QString& path);
 std::optional<QString> readFirstLine(const QString& path);
 
 // Writes every line followed by CR LF, replacing the file whatever the letter case of its
-// existing name. Returns false, leaving the old file as it was, on any failure.
+// existing name. Returns false, leaving the old file as it was, on any failure. A symbolic link
+// in the file's place is replaced by a regular file, its target left alone.
 bool writeLines(const QString& path, const QStringList& lines);
 // Appends one line and CR LF, creating the file when missing.
 bool appendLine(const QString& path, const QString& line);

@@ -1,8 +1,10 @@
 #include "calibration/factorfiles.h"
 #include "loading/datalog.h"
+#include "support/fulldisk.h"
 #include "support/scratchfolder.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <gtest/gtest.h>
 
 namespace trendax {
@@ -70,6 +72,32 @@ TEST_F(FactorFiles, AFailedScaleFileStopsTheWriterBeforeTheOffsetFile) {
     EXPECT_EQ(app.read("cnffiles/AB12offs.txt"), QByteArray("7\r\n"));
     // Before any site was loaded both paths are empty.
     EXPECT_FALSE(WriteFactors(QString(), "1", QString(), "0"));
+}
+
+TEST_F(FactorFiles, FullDiskKeepsOldScaleFile) {
+    test::FullDisk disk(app.file("cnffiles"));
+    SCOPED_TRACE(disk.how());
+    app.write("cnffiles/AB12scal.txt", "2\r\n");
+    app.write("cnffiles/AB12offs.txt", "7\r\n");
+    scale();
+    offset();
+    disk.fill();
+    // The writer stops at the scale file: the caller then reloads nothing.
+    EXPECT_FALSE(WriteFactors(scalePath, "3", offsetPath, "-1"));
+    EXPECT_EQ(app.read("cnffiles/AB12scal.txt"), QByteArray("2\r\n"));
+    EXPECT_EQ(app.read("cnffiles/AB12offs.txt"), QByteArray("7\r\n"));
+}
+
+TEST_F(FactorFiles, SymlinkedScaleFileIsReplacedNotWrittenThrough) {
+    const QString target = app.write("elsewhere/target.txt", "keep\r\n");
+    app.mkdir("cnffiles");
+    ASSERT_TRUE(QFile::link(target, app.file("cnffiles/AB12scal.txt")));
+    scale();
+    offset();
+    ASSERT_TRUE(WriteFactors(scalePath, "3", offsetPath, "-1"));
+    EXPECT_EQ(app.read("elsewhere/target.txt"), QByteArray("keep\r\n"));
+    EXPECT_FALSE(QFileInfo(app.file("cnffiles/AB12scal.txt")).isSymLink());
+    EXPECT_EQ(app.read("cnffiles/AB12scal.txt"), QByteArray("3\r\n"));
 }
 
 TEST_F(FactorFiles, AOneChannelLogIsShownCalibrated) {

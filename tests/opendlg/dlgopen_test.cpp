@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QCalendarWidget>
 #include <QComboBox>
+#include <QDateTime>
 #include <QDir>
 #include <QLabel>
 #include <QListWidget>
@@ -278,6 +279,40 @@ TEST_F(DlgOpen, ImportThatStopsSaysWhereAndWhy) {
     EXPECT_EQ(dialogs.messages[1].buttons, QMessageBox::Ok);
     EXPECT_TRUE(QFile::exists(scratch.file("media/BB010101.CSV")));
     EXPECT_TRUE(dialog.isEnabled());
+}
+
+TEST_F(DlgOpen, StaleTemporariesOfKilledCopiesAndWritesAreRemoved) {
+    const auto stale = [this](const QString& name) {
+        QFile file(scratch.write("app/" + name, "x"));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(-3600),
+                                     QFileDevice::FileModificationTime));
+    };
+    const auto left = [this](const char* folder) {
+        QStringList names =
+            QDir(scratch.file(QString("app/") + folder)).entryList(QDir::Files | QDir::Hidden);
+        names.sort();
+        return names;
+    };
+    stale("logfiles/.trendax-copy-Ab12Cd");
+    stale("logfiles/Schema.ini.QwErTy");
+    stale("cnffiles/AB12scal.txt.x1Y2z3");
+    // Left alone: a copy that may still be running, and names the program does not make.
+    scratch.write("app/logfiles/.trendax-copy-fresh1", "x");
+    stale("logfiles/AB01031512.CSV");
+    stale("logfiles/notes.txt.abcdef");
+    stale("cnffiles/AB12scal.txt.bak");
+
+    dlgOpen dialog(env, dialogs);
+    EXPECT_EQ(left("logfiles"),
+              (QStringList{".trendax-copy-fresh1", "AB01031512.CSV", "notes.txt.abcdef"}));
+    EXPECT_EQ(left("cnffiles"), QStringList{"AB12scal.txt.bak"});
+
+    // An import clears them before it copies.
+    stale("cnffiles/AB12OFFS.TXT.a1b2c3");
+    ASSERT_TRUE(dialog.setDir1Path(scratch.mkdir("empty")));
+    dialog.cmdImport_Click();
+    EXPECT_EQ(left("cnffiles"), QStringList{"AB12scal.txt.bak"});
 }
 
 TEST_F(DlgOpen, ShowHomeFolderOpensItAndThenSaysItCouldNot) {

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 using namespace trendax;
 using trendax::test::ScratchFolder;
@@ -172,9 +173,37 @@ TEST(FileCopy, FailuresCarryTheErrorNumberAndLeaveNoTemporaryFile) {
     EXPECT_NE(onFolder.error, 0);
     EXPECT_EQ(filesIn(scratch.file("dest")), QStringList());
 
+    // A pipe is refused, not waited on.
+    ASSERT_EQ(::mkfifo(QFile::encodeName(scratch.file("pipe")).constData(), 0644), 0);
+    EXPECT_EQ(filecopy::copy(scratch.file("pipe"), scratch.file("out")).error, EINVAL);
+
     scratch.write("plain", "x"); // a file where a folder should be
     const auto underFile = filecopy::copy(scratch.file("src"), scratch.file("plain/out"));
     EXPECT_EQ(underFile.error, ENOTDIR);
+}
+
+TEST(FileCopy, CopiesGetTheUmaskModeNeverWiderThanTheSource) {
+    struct Row {
+        const char* name;
+        mode_t source, umask, copy;
+    };
+    const Row rows[] = {{"private source", 0600, 022, 0600},
+                        {"world-writable source", 0666, 027, 0640},
+                        {"strict umask", 0644, 077, 0600},
+                        {"executable source", 0755, 022, 0644}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        ScratchFolder scratch;
+        const QString source = scratch.write("src", "x");
+        ASSERT_EQ(::chmod(QFile::encodeName(source).constData(), row.source), 0);
+        const mode_t saved = ::umask(row.umask);
+        const auto result = filecopy::copy(source, scratch.file("out"));
+        ::umask(saved);
+        ASSERT_TRUE(result.ok()) << result.reason.toStdString();
+        struct stat st {};
+        ASSERT_EQ(::stat(QFile::encodeName(scratch.file("out")).constData(), &st), 0);
+        EXPECT_EQ(st.st_mode & 07777, row.copy);
+    }
 }
 
 // ---- The walk ----
@@ -348,4 +377,24 @@ TEST(Import, NamesWithBlanksAndNonAsciiCharacters) {
     EXPECT_FALSE(outcome.stopped);
     EXPECT_EQ(filesIn(scratch.file("home")), (QStringList{QString::fromUtf8("Ä B 031512.CSV"),
                                                           QString::fromUtf8("é  0031511.TXT")}));
+}
+
+TEST(Import, SymbolicLinksOutOfTheSourceAreNotFollowed) {
+    ScratchFolder scratch;
+    const QString secret = scratch.write("system/secret", "AB01,03/15/12,00:00:00,1\r\n");
+    scratch.write("media/real.dat", "CD02,01/01/13,00:00:00,1\r\n");
+    for (const auto& [link, target] : {std::pair<QString, QString>{"AB010315.CSV", secret},
+                                       {"AB01SCAL.TXT", secret},
+                                       {"CD020101.CSV", scratch.file("media/real.dat")},
+                                       {"EF030101.CSV", scratch.file("media/gone")}})
+        ASSERT_TRUE(QFile::link(target, scratch.file("media/" + link)));
+    const auto outcome =
+        import::run({scratch.file("media"), scratch.file("home"), scratch.file("cnf")}, true, {});
+    EXPECT_FALSE(outcome.stopped);
+    EXPECT_EQ(outcome.listed, 5);
+    // The link inside the media is copied as the file it names; the others are left alone.
+    EXPECT_EQ(filesIn(scratch.file("home")), QStringList{"CD02010113.CSV"});
+    EXPECT_EQ(scratch.read("home/CD02010113.CSV"), scratch.read("media/real.dat"));
+    EXPECT_EQ(filesIn(scratch.file("cnf")), QStringList());
+    EXPECT_EQ(scratch.read("system/secret"), "AB01,03/15/12,00:00:00,1\r\n");
 }

@@ -1,8 +1,12 @@
 #include "storage/filenames.h"
+#include "storage/homefolder.h"
 #include "storage/textfile.h"
+#include "support/fulldisk.h"
 #include "support/scratchfolder.h"
 
+#include <QDir>
 #include <QFile>
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace trendax {
@@ -42,6 +46,48 @@ TEST(TextFiles, WritesCrLfAndReplacesWhateverTheCase) {
 TEST(TextFiles, AFailedWriteLeavesNoFile) {
     test::ScratchFolder dir;
     EXPECT_FALSE(textfile::writeLines(dir.file("no/such/folder/x.txt"), {"1"}));
+}
+
+// A write that runs out of space must not replace the file with what fitted, and says so.
+TEST(TextFiles, FullDiskKeepsTheOldFile) {
+    struct Row {
+        const char* name;
+        const char* file; // in the home folder
+        std::function<bool(const QString& appFolder)> write;
+        bool reportsFailure;
+    };
+    const Row rows[] = {
+        {"text file", "AB12USEREVENTS.TXT",
+         [](const QString& app) {
+             return textfile::writeLines(app + "/logfiles/AB12USEREVENTS.TXT", {"a new line"});
+         },
+         true},
+        // Schema.ini is written silently: the reader goes on without it.
+        {"Schema.ini", "Schema.ini",
+         [](const QString& app) {
+             WriteSchemaIni(app, "AB12031512.csv");
+             return false;
+         },
+         false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        test::ScratchFolder app;
+        test::FullDisk disk(app.file("logfiles"));
+        SCOPED_TRACE(disk.how());
+        const QString file = QStringLiteral("logfiles/") + row.file;
+        app.write(file, "old\r\n");
+        disk.fill();
+        const bool written = row.write(app.path());
+        if (row.reportsFailure) {
+            EXPECT_FALSE(written);
+        }
+        EXPECT_EQ(app.read(file), QByteArray("old\r\n"));
+        // No temporary file is left behind either.
+        QStringList left = QDir(app.file("logfiles")).entryList(QDir::Files | QDir::Hidden);
+        left.removeAll("filler");
+        EXPECT_EQ(left, QStringList{row.file});
+    }
 }
 
 TEST(FileNames, ResolvesWithoutRegardToCase) {
