@@ -1,0 +1,177 @@
+#include "history/usercomments.h"
+
+#include "history/textlines.h"
+#include "storage/filenames.h"
+#include "storage/textfile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace trendax::history {
+
+std::optional<QString> SplitCommentLine(QStringView line) {
+    if (line.size() < 20)
+        return std::nullopt;
+    QString row;
+    row.reserve(line.size());
+    row += line.first(19);
+    row += QLatin1Char('\t');
+    row += line.sliced(20);
+    return row;
+}
+
+QStringView commentRowTime(QStringView row) {
+    const qsizetype tab = row.indexOf(QLatin1Char('\t'));
+    return tab < 0 ? row : row.first(tab);
+}
+
+void sortCommentRows(QStringList& rows) {
+    // QStringView's comparison is by UTF-16 code units, that is by character codes.
+    std::stable_sort(rows.begin(), rows.end(), [](const QString& a, const QString& b) {
+        return QStringView(commentRowTime(a)).compare(commentRowTime(b), Qt::CaseSensitive) < 0;
+    });
+}
+
+QStringList commentRows(QByteArrayView bytes) {
+    const QStringList lines = textLines(bytes);
+    QStringList rows;
+    rows.reserve(lines.size());
+    QString previous;
+    for (const QString& line : lines) {
+        if (auto row = SplitCommentLine(line))
+            previous = std::move(*row);
+        rows.append(previous);
+    }
+    sortCommentRows(rows);
+    return rows;
+}
+
+QStringList readCommentRows(const QString& path) {
+    const auto bytes = textfile::readBytes(path);
+    if (!bytes)
+        return {};
+    return commentRows(*bytes);
+}
+
+QStringList CommentRowsCache::rows(const QString& path) {
+    const QString actual = filenames::resolve(path);
+    const QFileInfo info(actual);
+    if (!info.isFile()) {
+        entries_.remove(actual);
+        return {};
+    }
+    Entry& entry = entries_[actual];
+    const qint64 modified = info.lastModified().toMSecsSinceEpoch();
+    if (entry.size != info.size() || entry.modified != modified) {
+        entry.size = info.size();
+        entry.modified = modified;
+        entry.rows = readCommentRows(actual);
+    }
+    return entry.rows;
+}
+
+QString formatCommentTime(datetime::DateTime time) {
+    const datetime::Civil c = datetime::toCivil(time);
+    const auto two = [](int v) { return QStringLiteral("%1").arg(v, 2, 10, QLatin1Char('0')); };
+    return two(c.month) + QLatin1Char('/') + two(c.day) + QLatin1Char('/') +
+           QString::number(c.year) + QLatin1Char(' ') + two(c.hour) + QLatin1Char(':') +
+           two(c.minute) + QLatin1Char(':') + two(c.second);
+}
+
+std::optional<datetime::DateTime> commentCellTime(QStringView cell) {
+    return datetime::parse(cell.toString());
+}
+
+// ---- Appending ----
+
+namespace {
+
+QString reason(int error) {
+    return QString::fromLocal8Bit(std::strerror(error));
+}
+
+bool writeAll(int fd, const QByteArray& bytes) {
+    const char* p = bytes.constData();
+    qsizetype left = bytes.size();
+    while (left > 0) {
+        const ssize_t n = ::write(fd, p, size_t(left));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0) {
+            if (n == 0)
+                errno = EIO;
+            return false;
+        }
+        p += n;
+        left -= n;
+    }
+    return true;
+}
+
+// Makes a newly created file's name durable as well as its content.
+void syncFolder(const QByteArray& file) {
+    const QByteArray folder = QFile::encodeName(QFileInfo(QFile::decodeName(file)).path());
+    const int fd = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd >= 0) {
+        ::fsync(fd);
+        ::close(fd);
+    }
+}
+
+} // namespace
+
+AppendResult AppendUserComment(datetime::DateTime time, const QString& comment,
+                               const QString& path) {
+    // Beyond these days the calendar arithmetic has no four-digit year to write.
+    if (!std::isfinite(time) || time < -657434.0 || time >= 2958466.0)
+        return {QStringLiteral("the comment's time is not a date")};
+    const QByteArray name = QFile::encodeName(filenames::resolve(path));
+    const QByteArray line =
+        textfile::encode(formatCommentTime(time) + QLatin1Char(' ') + comment) + "\r\n";
+
+    bool created = false;
+    int fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    if (fd < 0 && errno == ENOENT) {
+        fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        created = fd >= 0;
+    }
+    if (fd < 0)
+        return {reason(errno)};
+
+    struct stat before {};
+    if (::fstat(fd, &before) != 0) {
+        const int error = errno;
+        ::close(fd);
+        return {reason(error)};
+    }
+    const bool regular = S_ISREG(before.st_mode);
+    if (writeAll(fd, line) && ::fsync(fd) == 0) {
+        ::close(fd); // the line is on disk already; a late close error loses nothing
+        if (created)
+            syncFolder(name);
+        return {};
+    }
+    const int error = errno;
+    if (created) {
+        ::close(fd);
+        ::unlink(name.constData());
+    } else {
+        // Cut a partly written line off so that the file holds exactly what it held before.
+        if (regular) {
+            while (::ftruncate(fd, before.st_size) != 0 && errno == EINTR) {
+            }
+            ::fsync(fd);
+        }
+        ::close(fd);
+    }
+    return {reason(error)};
+}
+
+} // namespace trendax::history
