@@ -5,7 +5,6 @@
 #include "storage/textfile.h"
 
 #include <QFileInfo>
-#include <QStandardPaths>
 
 namespace trendax {
 
@@ -20,8 +19,7 @@ QString configFolder(const QString& appFolder) {
 }
 
 QString redirectedHomeFolder() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-           QStringLiteral("/Trendax2/logfiles");
+    return homeFolder(appfolder::perUserFolder());
 }
 
 } // namespace homefolder
