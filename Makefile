@@ -8,11 +8,13 @@ APP        := $(BUILD_RUN)/trendax2
 
 DEBIAN_PACKAGES := cmake make g++ pkg-config qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins \
 	libgl-dev libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core fontconfig \
-	xdg-utils poppler-utils
+	xdg-utils poppler-utils desktop-file-utils appstream
 # libFuzzer comes with clang's runtime; only `make fuzz` needs it.
 FUZZ_PACKAGES := clang libclang-rt-14-dev
+# dpkg-shlibdeps finds the package's library dependencies; only `make package` needs it.
+PACKAGE_PACKAGES := dpkg-dev
 
-.PHONY: run test deps install-packages build-release build-test screenshot fuzz bench clean
+.PHONY: run test deps install-packages build-release build-test screenshot fuzz bench package clean
 
 deps:
 	@$(MAKE) --no-print-directory install-packages PACKAGES="$(DEBIAN_PACKAGES)"
@@ -60,6 +62,13 @@ bench: deps
 fuzz: deps
 	@$(MAKE) --no-print-directory install-packages PACKAGES="$(FUZZ_PACKAGES)"
 	./fuzz/run.sh
+
+# A Debian package of the Release build in build/package/: the program, its desktop entry,
+# icons, metadata and manual page. Install it with `apt-get install ./build/package/FILE.deb`.
+package: build-release
+	@$(MAKE) --no-print-directory install-packages PACKAGES="$(PACKAGE_PACKAGES)"
+	cpack --config $(BUILD_RUN)/CPackConfig.cmake -B build/package
+	@ls build/package/*.deb
 
 clean:
 	rm -rf build

@@ -5,12 +5,19 @@
 #include "storage/programtitle.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QStringList>
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     trendax::keepLargeBlocksForReuse();
     QApplication::setApplicationName(trendax::programTitle());
+    // The desktop entry's name lets the task bar match the window to its entry and icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral(TRENDAX_APP_ID));
+    QIcon icon;
+    for (const int size : {48, 128, 256})
+        icon.addFile(QStringLiteral(":/icons/trendax2-%1.png").arg(size));
+    QGuiApplication::setWindowIcon(icon);
     // The argument text is everything after the program's name, as typed.
     QStringList words = QApplication::arguments();
     words.removeFirst();

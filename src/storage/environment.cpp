@@ -1,5 +1,6 @@
 #include "storage/environment.h"
 
+#include "storage/homefolder.h"
 #include "storage/programtitle.h"
 
 #include <QCoreApplication>
@@ -8,7 +9,6 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QTemporaryFile>
 
 #include <pwd.h>
@@ -16,22 +16,50 @@
 
 namespace trendax {
 
-namespace {
+namespace appfolder {
 
-bool folderIsWritable(const QString& folder) {
+QString perUserFolder(const QString& xdgDataHome, const QString& home) {
+    const QString dataFolder =
+        QDir::isAbsolutePath(xdgDataHome) ? xdgDataHome : home + QStringLiteral("/.local/share");
+    return QDir::cleanPath(dataFolder + QStringLiteral("/Trendax2"));
+}
+
+QString perUserFolder() {
+    return perUserFolder(qEnvironmentVariable("XDG_DATA_HOME"), QDir::homePath());
+}
+
+QString choose(const QString& exeFolder, bool exeFolderWritable, const QString& xdgDataHome,
+               const QString& home) {
+    if (exeFolderWritable)
+        return QDir::cleanPath(exeFolder);
+    return perUserFolder(xdgDataHome, home);
+}
+
+bool isWritable(const QString& folder) {
+    if (folder.isEmpty())
+        return false;
     QTemporaryFile probe(folder + QStringLiteral("/.trendax-write-probe-XXXXXX"));
     return probe.open();
 }
 
+QString locate(const QString& exeFolder, const QString& xdgDataHome, const QString& home) {
+    const bool writable = isWritable(exeFolder);
+    const QString folder = choose(exeFolder, writable, xdgDataHome, home);
+    if (!writable) {
+        // Failures surface later, where the folders are used; start-up goes on regardless.
+        QDir().mkpath(homefolder::homeFolder(folder));
+        QDir().mkpath(homefolder::configFolder(folder));
+    }
+    return folder;
+}
+
+} // namespace appfolder
+
+namespace {
+
 QString defaultAppFolder() {
-    const QString exeFolder = QCoreApplication::applicationDirPath();
-    if (!exeFolder.isEmpty() && folderIsWritable(exeFolder))
-        return exeFolder;
-    // A system-wide install: the per-user data folder stands in for the protected one.
-    QString userFolder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    userFolder += QStringLiteral("/Trendax2");
-    QDir().mkpath(userFolder);
-    return userFolder;
+    return appfolder::locate(QCoreApplication::applicationDirPath(),
+                             qEnvironmentVariable("XDG_DATA_HOME"), QDir::homePath());
 }
 
 QSettings& store() {

@@ -27,11 +27,35 @@ public:
     virtual bool openFolder(const QString& path) = 0;
 };
 
+// Where the application folder lies. A program installed into a protected folder (a package in
+// /usr/bin) cannot write next to its executable, so a per-user folder stands in for it there.
+namespace appfolder {
+
+// "Trendax2" in the per-user data folder: xdgDataHome when it is an absolute path, otherwise
+// home + "/.local/share" (a relative value is invalid under the XDG rules and ignored).
+QString perUserFolder(const QString& xdgDataHome, const QString& home);
+// The same for this process's XDG_DATA_HOME and home.
+QString perUserFolder();
+
+// The executable's folder when it can be written, the per-user folder otherwise.
+QString choose(const QString& exeFolder, bool exeFolderWritable, const QString& xdgDataHome,
+               const QString& home);
+
+// Whether a new file can be created in the folder. It tries one rather than reading permission
+// bits, so a read-only mount counts as not writable also for root.
+bool isWritable(const QString& folder);
+
+// The application folder for an executable in exeFolder. When the per-user folder stands in, it
+// is created with its home folder "logfiles" and configuration folder "cnffiles".
+QString locate(const QString& exeFolder, const QString& xdgDataHome, const QString& home);
+
+} // namespace appfolder
+
 // The real machine. Settings live in the per-user INI store of application "Trendax2".
 class SystemEnvironment : public Environment {
 public:
-    // appFolder empty: the executable's folder, or ~/.local/share/Trendax2 when that is not
-    // writable. Otherwise the given folder (used by tools and benchmarks).
+    // appFolder empty: the executable's folder, or the per-user folder when that is not writable
+    // (appfolder::locate). Otherwise the given folder (used by tools and benchmarks).
     explicit SystemEnvironment(QString appFolder = {});
 
     QString appFolder() const override { return appFolder_; }

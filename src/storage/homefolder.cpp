@@ -24,8 +24,7 @@ QString configFolder(const QString& appFolder) {
 }
 
 QString redirectedHomeFolder() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-           QStringLiteral("/Trendax2/logfiles");
+    return homeFolder(appfolder::perUserFolder());
 }
 
 bool isOwnTemporary(QStringView name) {
