@@ -370,8 +370,8 @@ void dlgOpen::cmdImport_Click() {
         // Keep the dialog painted; the user's input waits for the end of the import.
         QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     };
-    callbacks.copyDataLog = [this](const QString& source, const QString& destination) {
-        return CopyWithShell(source, destination, this, dialogs_);
+    callbacks.copyDataLog = [this](const import::SourceFile& source, const QString& destination) {
+        return CopyWithShell(source.native, source.path, destination, this, dialogs_);
     };
     callbacks.dataLogCopying = [this](bool copying) { setEnabled(!copying); };
     callbacks.message = [this](const QString& text) {

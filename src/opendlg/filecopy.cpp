@@ -52,7 +52,10 @@ struct Descriptor {
 } // namespace
 
 Result copy(const QString& source, const QString& destination, const Progress& progress) {
-    const QByteArray src = QFile::encodeName(source);
+    return copy(QFile::encodeName(source), destination, progress);
+}
+
+Result copy(const QByteArray& src, const QString& destination, const Progress& progress) {
     const QByteArray dst = QFile::encodeName(destination);
     const QByteArray folder = QFile::encodeName(QFileInfo(destination).absolutePath());
 
@@ -128,16 +131,23 @@ Result copy(const QString& source, const QString& destination, const Progress& p
 }
 
 Result remove(const QString& path) {
-    if (::unlink(QFile::encodeName(path).constData()) != 0)
+    return remove(QFile::encodeName(path));
+}
+
+Result remove(const QByteArray& path) {
+    if (::unlink(path.constData()) != 0)
         return failure(errno, QStringLiteral("cannot delete the file"));
     return {};
 }
 
 bool sameFile(const QString& a, const QString& b) {
+    return sameFile(QFile::encodeName(a), b);
+}
+
+bool sameFile(const QByteArray& a, const QString& b) {
     struct stat sa {};
     struct stat sb {};
-    if (::stat(QFile::encodeName(a).constData(), &sa) != 0 ||
-        ::stat(QFile::encodeName(b).constData(), &sb) != 0)
+    if (::stat(a.constData(), &sa) != 0 || ::stat(QFile::encodeName(b).constData(), &sb) != 0)
         return false;
     return sa.st_dev == sb.st_dev && sa.st_ino == sb.st_ino;
 }

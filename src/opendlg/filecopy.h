@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QtGlobal>
 #include <functional>
@@ -21,11 +22,16 @@ struct Result {
 using Progress = std::function<void(qint64 done, qint64 total)>;
 
 Result copy(const QString& source, const QString& destination, const Progress& progress = {});
+// The same with the source named by its bytes, for a name that is no text in the system's
+// encoding (a controller's media written on another system).
+Result copy(const QByteArray& source, const QString& destination, const Progress& progress = {});
 
 // Deletes a file, also a read-only one (its folder's permissions decide on this system).
 Result remove(const QString& path);
+Result remove(const QByteArray& path);
 
 // True when both paths name the same existing file.
 bool sameFile(const QString& a, const QString& b);
+bool sameFile(const QByteArray& a, const QString& b);
 
 } // namespace trendax::filecopy

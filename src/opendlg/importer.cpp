@@ -6,11 +6,13 @@
 
 #include <QDateTime>
 #include <QFile>
-#include <QFileInfo>
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace trendax::import {
 
@@ -61,17 +63,38 @@ std::optional<QString> dataLogYearOf(QByteArrayView head) {
 }
 
 std::optional<QString> DataLogYear(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    return DataLogYear(QFile::encodeName(path));
+}
+
+std::optional<QString> DataLogYear(const QByteArray& nativePath) {
+    // Non-blocking, so that a pipe put in the file's place cannot hang the import.
+    const int fd = ::open(nativePath.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0)
         return std::nullopt;
-    return dataLogYearOf(file.read(13));
+    char head[13];
+    ssize_t got = 0;
+    while (got < ssize_t(sizeof head)) {
+        const ssize_t n = ::read(fd, head + got, sizeof head - size_t(got));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            break;
+        got += n;
+    }
+    ::close(fd);
+    return dataLogYearOf(QByteArrayView(head, got));
 }
 
 std::optional<QString> FileModifiedYear(const QString& path) {
-    const QFileInfo info(path);
-    if (!info.exists())
+    return FileModifiedYear(QFile::encodeName(path));
+}
+
+std::optional<QString> FileModifiedYear(const QByteArray& nativePath) {
+    struct stat st {};
+    if (::stat(nativePath.constData(), &st) != 0)
         return std::nullopt;
-    return QString::number(info.lastModified().date().year()).right(2);
+    const QDateTime modified = QDateTime::fromSecsSinceEpoch(qint64(st.st_mtime));
+    return QString::number(modified.date().year()).right(2);
 }
 
 bool yearFitsFileName(QStringView year) {
@@ -105,6 +128,13 @@ QByteArray realPath(const QByteArray& path) {
     return result;
 }
 
+// A name from the file system as text: UTF-8 when it is, otherwise Windows-1252, which reads
+// every byte.
+QString nameAsText(const QByteArray& name) {
+    const QString utf8 = QFile::decodeName(name);
+    return QFile::encodeName(utf8) == name ? utf8 : textfile::decode(name);
+}
+
 } // namespace
 
 std::vector<SourceFile> listSource(const QString& folder) {
@@ -134,8 +164,8 @@ std::vector<SourceFile> listSource(const QString& folder) {
         } else if (!copyable) {
             continue; // a folder, a device, a pipe
         }
-        const QString decoded = QFile::decodeName(name);
-        files.push_back({decoded, filenames::join(folder, decoded), copyable});
+        const QString decoded = nameAsText(name);
+        files.push_back({decoded, filenames::join(folder, decoded), path, copyable});
     }
     ::closedir(dir);
     // Names that differ only in letter case keep one order: capitals first.
@@ -163,7 +193,7 @@ public:
             if (callbacks_.progress)
                 callbacks_.progress(i);
             ++i;
-            if (file.copyable && !importOne(file.name))
+            if (file.copyable && !importOne(file))
                 break;
         }
         return outcome_;
@@ -171,80 +201,80 @@ public:
 
 private:
     // False when the import must stop at this file.
-    bool importOne(const QString& name) {
-        const QString source = filenames::join(folders_.source, name);
+    bool importOne(const SourceFile& file) {
+        const QString& name = file.name;
         QString modifiedYear;
         if (endsLikeHistory(name)) {
-            const auto year = FileModifiedYear(source);
+            const auto year = FileModifiedYear(file.native);
             if (!year)
-                return stop(source, QStringLiteral("the file is no longer there"));
+                return stop(file, QStringLiteral("the file is no longer there"));
             modifiedYear = *year;
         }
         switch (classify(name, modifiedYear)) {
         case Kind::DataLog:
-            return importDataLog(name, source);
+            return importDataLog(file);
         case Kind::Calibration:
-            return plainCopy(source, filenames::join(folders_.config, name));
+            return plainCopy(file, filenames::join(folders_.config, name));
         case Kind::History:
-            return plainCopy(source,
-                             filenames::join(folders_.home, historyName(name, modifiedYear)));
+            return plainCopy(file, filenames::join(folders_.home, historyName(name, modifiedYear)));
         case Kind::Other:
             break;
         }
         return true;
     }
 
-    bool importDataLog(const QString& name, const QString& source) {
-        if (!QFileInfo::exists(source))
-            return stop(source, QStringLiteral("the file is no longer there"));
-        const auto year = DataLogYear(source);
+    bool importDataLog(const SourceFile& file) {
+        struct stat st {};
+        if (::stat(file.native.constData(), &st) != 0)
+            return stop(file, QStringLiteral("the file is no longer there"));
+        const auto year = DataLogYear(file.native);
         if (!year)
-            return stop(source, QStringLiteral("the file is empty or cannot be read, so its "
-                                               "year is unknown"));
+            return stop(file, QStringLiteral("the file is empty or cannot be read, so its "
+                                             "year is unknown"));
         if (!yearFitsFileName(*year))
-            return stop(source, QStringLiteral("its first line is too short to carry a year"));
+            return stop(file, QStringLiteral("its first line is too short to carry a year"));
         const QString destination =
-            placeFor(filenames::join(folders_.home, dataLogName(name, *year)));
-        if (filecopy::sameFile(source, destination))
-            return stop(source, QStringLiteral("it is already in the home folder"));
+            placeFor(filenames::join(folders_.home, dataLogName(file.name, *year)));
+        if (filecopy::sameFile(file.native, destination))
+            return stop(file, QStringLiteral("it is already in the home folder"));
 
         if (callbacks_.dataLogCopying)
             callbacks_.dataLogCopying(true);
         int error = 0;
         if (callbacks_.copyDataLog) {
-            error = callbacks_.copyDataLog(source, destination);
+            error = callbacks_.copyDataLog(file, destination);
         } else {
-            error = filecopy::copy(source, destination).error;
+            error = filecopy::copy(file.native, destination).error;
         }
         if (error == 0)
             outcome_.copied << destination;
         else
-            outcome_.failedCopies << source;
+            outcome_.failedCopies << file.path;
         // The source goes whatever the copy reported: the user was told the copy's error
         // number and had agreed to the deletion before the import began.
-        const bool removed = !deleteSources_ || removeSource(source);
+        const bool removed = !deleteSources_ || removeSource(file);
         if (callbacks_.dataLogCopying)
             callbacks_.dataLogCopying(false);
         return removed;
     }
 
-    bool plainCopy(const QString& source, const QString& wanted) {
+    bool plainCopy(const SourceFile& file, const QString& wanted) {
         const QString destination = placeFor(wanted);
-        if (filecopy::sameFile(source, destination))
-            return stop(source, QStringLiteral("it is already in place"));
-        const filecopy::Result result = filecopy::copy(source, destination);
+        if (filecopy::sameFile(file.native, destination))
+            return stop(file, QStringLiteral("it is already in place"));
+        const filecopy::Result result = filecopy::copy(file.native, destination);
         if (!result.ok())
-            return stop(source, result.reason);
+            return stop(file, result.reason);
         outcome_.copied << destination;
-        return !deleteSources_ || removeSource(source);
+        return !deleteSources_ || removeSource(file);
     }
 
-    bool removeSource(const QString& source) {
+    bool removeSource(const SourceFile& file) {
         const QString why =
-            callbacks_.remove ? callbacks_.remove(source) : filecopy::remove(source).reason;
+            callbacks_.remove ? callbacks_.remove(file) : filecopy::remove(file.native).reason;
         if (!why.isEmpty())
-            return stop(source, why);
-        outcome_.deleted << source;
+            return stop(file, why);
+        outcome_.deleted << file.path;
         return true;
     }
 
@@ -252,8 +282,8 @@ private:
     // the home folder never holds the same day twice.
     static QString placeFor(const QString& path) { return filenames::resolve(path); }
 
-    bool stop(const QString& source, const QString& reason) {
-        const QString text = QStringLiteral("The import stopped at %1: %2.").arg(source, reason);
+    bool stop(const SourceFile& file, const QString& reason) {
+        const QString text = QStringLiteral("The import stopped at %1: %2.").arg(file.path, reason);
         outcome_.stopped = text;
         if (callbacks_.message)
             callbacks_.message(text);

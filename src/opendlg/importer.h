@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
 #include <QStringList>
@@ -37,9 +38,11 @@ bool readsAsNumber(QStringView text);
 std::optional<QString> dataLogYearOf(QByteArrayView head);
 // DataLogYear of a file; nullopt when it is empty or cannot be read.
 std::optional<QString> DataLogYear(const QString& path);
+std::optional<QString> DataLogYear(const QByteArray& nativePath);
 // FileModifiedYear: the last two digits of the year of the file's last-modified date; nullopt
 // when the file is not there.
 std::optional<QString> FileModifiedYear(const QString& path);
+std::optional<QString> FileModifiedYear(const QByteArray& nativePath);
 
 // Whether a year taken from inside a data log can stand in a file name: no path separator and no
 // control character (a short first line puts its line end there).
@@ -59,8 +62,12 @@ struct Folders {
 
 // A file of a source folder as the walk sees it.
 struct SourceFile {
+    // The name as text: UTF-8 when its bytes are, otherwise read as Windows-1252 like the
+    // program's text files, so media written on a controller's own system still import. The
+    // name rules and the destination's name use it.
     QString name;
-    QString path;
+    QString path;      // the folder joined with name, for messages
+    QByteArray native; // the path as the file system holds it; the file is read and deleted by it
     // Regular files, and symbolic links to a regular file inside the source folder (copied as
     // that file, since a controller's media may well link one name to another). A link that
     // leads out of the folder, or to nothing, is listed but passed over like a file of an
@@ -80,11 +87,11 @@ struct Callbacks {
     std::function<void(int index)> progress;
     // Copies a data log the way the shell copy does (progress window, its own error message);
     // returns the error number, 0 on success. Unset: a plain copy.
-    std::function<int(const QString& source, const QString& destination)> copyDataLog;
+    std::function<int(const SourceFile& source, const QString& destination)> copyDataLog;
     // True while a data log is being copied (and its source deleted): the dialog is disabled.
     std::function<void(bool copying)> dataLogCopying;
     // Deletes a source file; an empty text on success, otherwise why not. Unset: filecopy.
-    std::function<QString(const QString& path)> remove;
+    std::function<QString(const SourceFile& source)> remove;
     // A message to the user with an OK button: why the import stopped.
     std::function<void(const QString& text)> message;
 };
@@ -92,7 +99,7 @@ struct Callbacks {
 struct Outcome {
     int listed = 0;
     QStringList copied;       // destination paths written
-    QStringList deleted;      // source paths deleted
+    QStringList deleted;      // source paths deleted (as SourceFile::path)
     QStringList failedCopies; // data logs whose copy failed (with their error message shown)
     // Set when the import stopped at a file: the message that said so.
     std::optional<QString> stopped;

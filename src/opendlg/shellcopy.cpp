@@ -5,14 +5,20 @@
 #include "storage/programtitle.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QProgressDialog>
 
 namespace trendax {
 
 int CopyWithShell(const QString& source, const QString& destination, QWidget* owner,
                   Dialogs& dialogs) {
+    return CopyWithShell(QFile::encodeName(source), source, destination, owner, dialogs);
+}
+
+int CopyWithShell(const QByteArray& source, const QString& shownSource, const QString& destination,
+                  QWidget* owner, Dialogs& dialogs) {
     const QString title =
-        QStringLiteral("Copying ") + source + QStringLiteral(" to ") + destination;
+        QStringLiteral("Copying ") + shownSource + QStringLiteral(" to ") + destination;
     QProgressDialog window(title, QString(), 0, 1000, owner);
     window.setWindowTitle(title);
     window.setCancelButton(nullptr);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 class QWidget;
@@ -15,5 +16,8 @@ class Dialogs;
 // abandoned copy would otherwise be followed by the deletion of its source.
 int CopyWithShell(const QString& source, const QString& destination, QWidget* owner,
                   Dialogs& dialogs);
+// The same for a source named by its bytes; shownSource is its name in the window's title.
+int CopyWithShell(const QByteArray& source, const QString& shownSource, const QString& destination,
+                  QWidget* owner, Dialogs& dialogs);
 
 } // namespace trendax

@@ -5,8 +5,11 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/time.h>
+#include <unistd.h>
 
 using namespace trendax;
 using trendax::test::ScratchFolder;
@@ -270,13 +273,13 @@ TEST(Import, DataLogCopyIsBracketedAndItsSourceGoesEvenWhenTheCopyFailed) {
     QStringList events;
     import::Callbacks callbacks;
     callbacks.dataLogCopying = [&](bool on) { events << (on ? "disable" : "enable"); };
-    callbacks.copyDataLog = [&](const QString& source, const QString& destination) {
-        events << "copy " + QFileInfo(source).fileName() + " " + QFileInfo(destination).fileName();
-        return source.endsWith("0315.CSV") ? EACCES : 0;
+    callbacks.copyDataLog = [&](const import::SourceFile& source, const QString& destination) {
+        events << "copy " + source.name + " " + QFileInfo(destination).fileName();
+        return source.name.endsWith("0315.CSV") ? EACCES : 0;
     };
-    callbacks.remove = [&](const QString& path) {
-        events << "delete " + QFileInfo(path).fileName();
-        return QFile::remove(path) ? QString() : QString("cannot");
+    callbacks.remove = [&](const import::SourceFile& source) {
+        events << "delete " + source.name;
+        return QFile::remove(source.path) ? QString() : QString("cannot");
     };
     const auto outcome = import::run(
         {scratch.file("src"), scratch.file("home"), scratch.file("cnf")}, true, callbacks);
@@ -324,7 +327,7 @@ TEST(ImportStops, AtADataLogWhoseFirstLineIsShort) {
 TEST(ImportStops, WhenTheSourceCannotBeDeleted) {
     Media media;
     import::Callbacks callbacks;
-    callbacks.remove = [](const QString&) { return QString("read-only file system"); };
+    callbacks.remove = [](const import::SourceFile&) { return QString("read-only file system"); };
     const auto outcome = import::run(media.folders, true, callbacks);
     ASSERT_TRUE(outcome.stopped);
     EXPECT_TRUE(outcome.stopped->contains(media.scratch.file("media/AB010315.CSV")));
@@ -377,6 +380,44 @@ TEST(Import, NamesWithBlanksAndNonAsciiCharacters) {
     EXPECT_FALSE(outcome.stopped);
     EXPECT_EQ(filesIn(scratch.file("home")), (QStringList{QString::fromUtf8("Ä B 031512.CSV"),
                                                           QString::fromUtf8("é  0031511.TXT")}));
+}
+
+// A controller's media written on its own system: names in Windows-1252, not UTF-8. They are
+// read as the program reads text, imported under that name and deleted by their bytes.
+TEST(Import, NamesThatAreNotUtf8AreReadAsWindows1252) {
+    ScratchFolder scratch;
+    const QByteArray source = QFile::encodeName(scratch.mkdir("src"));
+    const auto create = [&](const QByteArray& name, const QByteArray& text) {
+        const QByteArray path = source + '/' + name;
+        const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        ASSERT_GE(fd, 0) << name.constData();
+        ASSERT_EQ(::write(fd, text.constData(), size_t(text.size())), text.size());
+        ::close(fd);
+    };
+    const QByteArray site = QByteArray("AB") + char(0xE9) + 'D'; // "ABéD" in Windows-1252
+    create(site + "0315.CSV", site + ",03/15/12,1\r\n");
+    create(site + "scal.txt", "1.5\r\n");
+    create(site + "0315.HST", "events\r\n");
+    const QByteArray history = source + '/' + site + "0315.HST";
+    const struct timeval times[2] = {{1370088000, 0}, {1370088000, 0}}; // June 2013
+    ASSERT_EQ(::utimes(history.constData(), times), 0);
+
+    QStringList listed;
+    for (const import::SourceFile& file : import::listSource(scratch.file("src")))
+        listed << file.name;
+    EXPECT_EQ(listed,
+              (QStringList{QString::fromUtf8("ABéD0315.CSV"), QString::fromUtf8("ABéD0315.HST"),
+                           QString::fromUtf8("ABéDscal.txt")}));
+
+    const auto outcome =
+        import::run({scratch.file("src"), scratch.file("home"), scratch.file("cnf")}, true, {});
+    EXPECT_FALSE(outcome.stopped) << outcome.stopped.value_or(QString()).toStdString();
+    EXPECT_EQ(filesIn(scratch.file("home")), (QStringList{QString::fromUtf8("ABéD031512.CSV"),
+                                                          QString::fromUtf8("ABéD031513.TXT")}));
+    EXPECT_EQ(filesIn(scratch.file("cnf")), QStringList{QString::fromUtf8("ABéDscal.txt")});
+    EXPECT_EQ(scratch.read(QString::fromUtf8("home/ABéD031512.CSV")), site + ",03/15/12,1\r\n");
+    EXPECT_EQ(outcome.deleted.size(), 3);
+    EXPECT_EQ(QDir(scratch.file("src")).entryList(QDir::Files | QDir::Hidden), QStringList());
 }
 
 TEST(Import, SymbolicLinksOutOfTheSourceAreNotFollowed) {
