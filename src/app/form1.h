@@ -212,6 +212,8 @@ private:
     bool cursorBusy_ = false;
     // The comments file is asked for once per day of a load; it is read once.
     history::CommentRowsCache commentRows_;
+    // The cached rows the grid shows as they were read, or empty.
+    QStringList shownCommentRows_;
 };
 
 } // namespace trendax

@@ -22,7 +22,13 @@ void Form1::LoadHistoryFile(const QString& path) {
 }
 
 void Form1::LoadUserComments(const QString& path) {
-    showCommentRows(commentRows_.rows(path));
+    const QStringList rows = commentRows_.rows(path);
+    // A load asks for the same file once per day; while it is unchanged the grid already shows
+    // exactly these rows, and building thousands of cells again would only cost time.
+    if (rows.isSharedWith(shownCommentRows_) && gridHistoryEvents->rowCount() == rows.size())
+        return;
+    showCommentRows(rows);
+    shownCommentRows_ = rows;
 }
 
 void Form1::showCommentRows(const QStringList& rows) {
@@ -62,6 +68,7 @@ void Form1::cmdAddComment_Click() {
         QStringLiteral("User Comment"), QString());
     if (comment.isEmpty())
         return;
+    shownCommentRows_.clear(); // the grid no longer holds just the file's rows
 
     const int row = gridHistoryEvents->rowCount();
     gridHistoryEvents->insertRow(row);
