@@ -18,14 +18,17 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFrame>
+#include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPrinter>
 #include <QProgressBar>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QTableWidget>
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
@@ -106,6 +109,14 @@ Form1::Form1(Environment& env, Dialogs& dialogs, const QString& argumentText, QW
 
     connect(Strip1, &StripChart::CursorChange, this, &Form1::Strip1_CursorChange);
     connect(Strip1, &StripChart::ChartMouseDown, this, &Form1::Strip1_ChartMouseDown);
+    connect(frameHist, &HistoryPanel::eventClicked, this, &Form1::lstHST_Click);
+    connect(frameHist, &HistoryPanel::commentClicked, this, &Form1::gridHistoryEvents_Click);
+    connect(frameHist, &HistoryPanel::addCommentClicked, this, &Form1::cmdAddComment_Click);
+    // The comment under the pointer becomes the grid's tooltip.
+    gridHistoryEvents->viewport()->setMouseTracking(true);
+    gridHistoryEvents->viewport()->installEventFilter(this);
+    gridHistoryEvents->horizontalHeader()->setMouseTracking(true);
+    gridHistoryEvents->horizontalHeader()->installEventFilter(this);
 
     resize(twipsToPixels(12000), twipsToPixels(9000));
     Form_Load(argumentText);
@@ -320,6 +331,12 @@ void Form1::Strip1_ChartMouseDown(int button, int, double x, double y) {
 }
 
 bool Form1::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseMove && (watched == gridHistoryEvents->viewport() ||
+                                               watched == gridHistoryEvents->horizontalHeader())) {
+        const auto* move = static_cast<QMouseEvent*>(event);
+        gridHistoryEvents_MouseMove(
+            static_cast<QWidget*>(watched)->mapTo(gridHistoryEvents, move->position().toPoint()));
+    }
     if (event->type() == QEvent::MouseButtonPress) {
         // Holding Left or Right scrolls on every timer tick until the button is released.
         if (watched == toolButton(QStringLiteral("left")))

@@ -4,6 +4,7 @@
 #include "chart/statspanel.h"
 #include "chart/xyarray.h"
 #include "history/historypanel.h"
+#include "history/usercomments.h"
 #include "loading/wellload.h"
 
 #include <QElapsedTimer>
@@ -165,8 +166,17 @@ public:
     // again so that they apply; a failure stops it where it happens, silently.
     void WriteCalibrationFactors(const QString& scaleText, const QString& offsetText);
 
-    // ---- History and comments (filled by their own modules) ----
+    // ---- History and comments ----
     void InitCommentGrid();
+    // Appends the entries of one site-day history file to lstHST.
+    void LoadHistoryFile(const QString& path);
+    // Refills the comment grid from the site's comments file, sorted.
+    void LoadUserComments(const QString& path);
+    void cmdAddComment_Click();
+    void lstHST_Click(int row);
+    void gridHistoryEvents_Click(int row);
+    // pos: the pointer in gridHistoryEvents' own coordinates.
+    void gridHistoryEvents_MouseMove(const QPoint& pos);
 
     Environment& environment() { return env_; }
     Dialogs& dialogs() { return dialogs_; }
@@ -184,6 +194,12 @@ private:
     void showAbout();
     void setCursorText(double x);
     double logicalDpi() const;
+    // Shows the grid rows (time TAB comment) in the given order.
+    void showCommentRows(const QStringList& rows);
+    QStringList commentGridRows() const;
+    // Moves the visible window, keeping its width, so that t stands in its middle, and puts the
+    // cursor there.
+    void centreOn(double t);
 
     Environment& env_;
     Dialogs& dialogs_;
@@ -194,6 +210,10 @@ private:
     int lastBandWidth_ = 0;
     bool resizing_ = false;
     bool cursorBusy_ = false;
+    // The comments file is asked for once per day of a load; it is read once.
+    history::CommentRowsCache commentRows_;
+    // The cached rows the grid shows as they were read, or empty.
+    QStringList shownCommentRows_;
 };
 
 } // namespace trendax

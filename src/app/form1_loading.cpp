@@ -189,11 +189,17 @@ void Form1::LoadWell() {
             progress_->beginFiles(count);
             setEnabled(false);
         };
-        hooks.loadDay = [this](int fileNumber, int count, const QString& dataLog, const QString&) {
+        hooks.loadDay = [this](int fileNumber, int count, const QString& dataLog,
+                               const QString& historyFile) {
             progress_->showFile(fileNumber, count);
             LoadQXL(dataLog);
+            LoadHistoryFile(historyFile);
         };
-        hooks.afterDateCode = [this] { Strip1->ShowXRange(XMin, XMax); };
+        const QString commentsFile = commentsFilePath(appFolder, SiteCode);
+        hooks.afterDateCode = [this, &commentsFile] {
+            LoadUserComments(commentsFile);
+            Strip1->ShowXRange(XMin, XMax);
+        };
         runWellLoadPasses(NodeCopy, hooks);
 
         progress_->finishFiles();

@@ -1,0 +1,139 @@
+// The main window's history column: the controller's event list, the user's comments and
+// moving the chart to the moment of either.
+#include "app/form1.h"
+#include "chart/stripchart.h"
+#include "history/historyfile.h"
+#include "history/usercomments.h"
+#include "loading/wellload.h"
+#include "storage/datetime.h"
+#include "storage/dialogs.h"
+#include "storage/environment.h"
+#include "storage/programtitle.h"
+
+#include <QHeaderView>
+#include <QListWidget>
+#include <QStatusBar>
+#include <QTableWidget>
+
+namespace trendax {
+
+void Form1::LoadHistoryFile(const QString& path) {
+    lstHST->addItems(history::readHistoryFile(path));
+}
+
+void Form1::LoadUserComments(const QString& path) {
+    const QStringList rows = commentRows_.rows(path);
+    // A load asks for the same file once per day; while it is unchanged the grid already shows
+    // exactly these rows, and building thousands of cells again would only cost time.
+    if (rows.isSharedWith(shownCommentRows_) && gridHistoryEvents->rowCount() == rows.size())
+        return;
+    showCommentRows(rows);
+    shownCommentRows_ = rows;
+}
+
+void Form1::showCommentRows(const QStringList& rows) {
+    gridHistoryEvents->setUpdatesEnabled(false);
+    gridHistoryEvents->setRowCount(0);
+    gridHistoryEvents->setRowCount(int(rows.size()));
+    for (int r = 0; r < int(rows.size()); ++r) {
+        // A TAB typed into a comment stays in the comment cell: the comment is shown whole.
+        const QString& row = rows[r];
+        const QStringView time = history::commentRowTime(row);
+        auto* timeItem = new QTableWidgetItem(time.toString());
+        timeItem->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+        gridHistoryEvents->setItem(r, 0, timeItem);
+        const QString comment = time.size() < row.size() ? row.mid(time.size() + 1) : QString();
+        gridHistoryEvents->setItem(r, 1, new QTableWidgetItem(comment));
+    }
+    gridHistoryEvents->setUpdatesEnabled(true);
+}
+
+QStringList Form1::commentGridRows() const {
+    QStringList rows;
+    for (int r = 0; r < gridHistoryEvents->rowCount(); ++r) {
+        const QTableWidgetItem* time = gridHistoryEvents->item(r, 0);
+        const QTableWidgetItem* comment = gridHistoryEvents->item(r, 1);
+        rows << (time ? time->text() : QString()) + QLatin1Char('\t') +
+                    (comment ? comment->text() : QString());
+    }
+    return rows;
+}
+
+void Form1::cmdAddComment_Click() {
+    if (SiteCode.isEmpty())
+        return;
+    const double t = Strip1->CursorX();
+    const QString comment = dialogs().input(
+        this, QStringLiteral("Enter a comment to store for ") + datetime::formatGeneral(t),
+        QStringLiteral("User Comment"), QString());
+    if (comment.isEmpty())
+        return;
+    shownCommentRows_.clear(); // the grid no longer holds just the file's rows
+
+    const int row = gridHistoryEvents->rowCount();
+    gridHistoryEvents->insertRow(row);
+    gridHistoryEvents->setItem(row, 0, new QTableWidgetItem(datetime::formatGeneral(t)));
+    gridHistoryEvents->setItem(row, 1, new QTableWidgetItem(comment));
+
+    const QString path = commentsFilePath(environment().appFolder(), SiteCode);
+    const history::AppendResult result =
+        history::AppendUserComment(Strip1->CursorX(), comment, path);
+    if (!result.stored()) {
+        // The row would claim a comment that is not on disk.
+        gridHistoryEvents->removeRow(row);
+        dialogs().message(this,
+                          QStringLiteral("The comment was not saved: ") + path +
+                              QStringLiteral(" could not be written (") + result.error +
+                              QStringLiteral(")."),
+                          programTitle(), QMessageBox::Ok, QMessageBox::Warning);
+        return;
+    }
+    QStringList rows = commentGridRows();
+    history::sortCommentRows(rows);
+    showCommentRows(rows);
+}
+
+void Form1::centreOn(double t) {
+    const double w = Strip1->XSpan();
+    Strip1->ShowXRange(t - w / 2, t + w / 2);
+    Strip1->setCursorX(t);
+    UpdateCursorDisplay();
+}
+
+void Form1::lstHST_Click(int row) {
+    const QListWidgetItem* item = lstHST->item(row);
+    if (!item)
+        return;
+    const auto t = history::historyEntryTime(item->text());
+    if (!t) {
+        StatusBar1->showMessage(QStringLiteral("The event \"") + item->text() +
+                                QStringLiteral("\" has no time to locate on the graph."));
+        return;
+    }
+    centreOn(*t);
+}
+
+void Form1::gridHistoryEvents_Click(int row) {
+    const QTableWidgetItem* cell = gridHistoryEvents->item(row, 0);
+    if (!cell)
+        return;
+    gridHistoryEvents->setCurrentCell(row, 0);
+    if (const auto t = history::commentCellTime(cell->text()))
+        centreOn(*t);
+}
+
+void Form1::gridHistoryEvents_MouseMove(const QPoint& pos) {
+    const QPoint inRows = gridHistoryEvents->viewport()->mapFrom(gridHistoryEvents, pos);
+    if (inRows.y() < 0) {
+        gridHistoryEvents->setToolTip(QStringLiteral("Comment"));
+        return;
+    }
+    const int row = gridHistoryEvents->rowAt(inRows.y());
+    if (row < 0)
+        return;
+    gridHistoryEvents->setCurrentCell(row, 1);
+    const QTableWidgetItem* cell = gridHistoryEvents->item(row, 1);
+    gridHistoryEvents->setToolTip(cell ? cell->text() : QString());
+}
+
+} // namespace trendax
