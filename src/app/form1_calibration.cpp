@@ -6,10 +6,10 @@
 namespace trendax {
 
 // One dialog at a time: a second command brings the open one to the front. Every close destroys
-// it, so the next opening starts afresh from the factors in effect.
+// it, so the next opening starts afresh from the factors in effect; a dialog already hidden on
+// its way out is left to go.
 void Form1::OpenCalibrationDialog() {
-    if (calibrationDialog_) {
-        calibrationDialog_->show();
+    if (calibrationDialog_ && calibrationDialog_->isVisible()) {
         calibrationDialog_->raise();
         calibrationDialog_->activateWindow();
         return;
