@@ -2,6 +2,7 @@
 
 #include "app/frmsplash.h"
 #include "app/toolbaricons.h"
+#include "calibration/frmcalibrate2.h"
 #include "chart/channellayouts.h"
 #include "chart/navigation.h"
 #include "chart/stripchart.h"
@@ -11,6 +12,7 @@
 #include "storage/debuglog.h"
 #include "storage/dialogs.h"
 #include "storage/environment.h"
+#include "storage/numbers.h"
 #include "storage/packedcolor.h"
 #include "storage/programtitle.h"
 
@@ -176,6 +178,8 @@ void Form1::buildToolbar() {
             key == QLatin1String("tracks") || key == QLatin1String("history"))
             Toolbar1->addSeparator();
     }
+    // Only a loaded one-channel log can be calibrated; the data log reader enables it.
+    toolButton(QStringLiteral("yscale"))->setEnabled(false);
 }
 
 void Form1::buildMenus() {
@@ -455,6 +459,11 @@ void Form1::Strip1_CursorChange(double x) {
     cursorBusy_ = true;
     setCursorText(x);
     UpdateStatistics();
+    // The dialog gets channel 0's value as shown, rounded to two decimals, not the chart's own.
+    if (calibrationDialog_ && calibrationDialog_->isVisible()) {
+        if (const auto shown = numbers::parse(picStats->rows[0].lblCursorValue->text()))
+            calibrationDialog_->SetCursorValue(*shown);
+    }
     cursorBusy_ = false;
 }
 

@@ -37,6 +37,7 @@ class StripChart;
 class DebugLog;
 class dlgOpen;
 class dlgProgress;
+class frmCalibrate2;
 
 // The program's main window: toolbar, history column, chart column with the statistics panel,
 // status bar. It owns every piece of state that outlives one command.
@@ -161,7 +162,10 @@ public:
     void Strip1_CursorChange(double x);
 
     // ---- Calibration ----
+    // Opens the calibration dialog of a one-channel log, or raises it when it is open already.
     void OpenCalibrationDialog();
+    // The calibration dialog while it is open, else null.
+    frmCalibrate2* calibrationDialog() const;
     // Writes the site's new factors (the scale file, then the offset file) and loads the site
     // again so that they apply; a failure stops it where it happens, silently.
     void WriteCalibrationFactors(const QString& scaleText, const QString& offsetText);
@@ -206,6 +210,7 @@ private:
     std::unique_ptr<DebugLog> debugLog_;
     QPointer<dlgProgress> progress_;
     QPointer<dlgOpen> keptOpenDialog_;
+    QPointer<frmCalibrate2> calibrationDialog_;
     QElapsedTimer eventPump_;
     int lastBandWidth_ = 0;
     bool resizing_ = false;

@@ -1,12 +1,32 @@
 // The main window's side of calibration.
 #include "app/form1.h"
 #include "calibration/factorfiles.h"
+#include "calibration/frmcalibrate2.h"
 
 namespace trendax {
 
-// The two-point calibration dialog comes with its own module; until then the command is present
-// and does nothing.
-void Form1::OpenCalibrationDialog() {}
+// One dialog at a time: a second command brings the open one to the front. Every close destroys
+// it, so the next opening starts afresh from the factors in effect; a dialog already hidden on
+// its way out is left to go.
+void Form1::OpenCalibrationDialog() {
+    if (calibrationDialog_ && calibrationDialog_->isVisible()) {
+        calibrationDialog_->raise();
+        calibrationDialog_->activateWindow();
+        return;
+    }
+    calibrationDialog_ = new frmCalibrate2(
+        dialogs_,
+        [this](const QString& scaleText, const QString& offsetText) {
+            WriteCalibrationFactors(scaleText, offsetText);
+        },
+        this);
+    calibrationDialog_->show();
+    calibrationDialog_->showCurrentFactors(mScale, mOffset);
+}
+
+frmCalibrate2* Form1::calibrationDialog() const {
+    return calibrationDialog_;
+}
 
 void Form1::WriteCalibrationFactors(const QString& scaleText, const QString& offsetText) {
     // The paths are those of the site loaded last; before any load they are empty, the first
