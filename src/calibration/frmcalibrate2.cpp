@@ -313,6 +313,14 @@ bool frmCalibrate2::validate(QLineEdit* box, double& store) {
     return true;
 }
 
+// Validates the new-value box that an event came from.
+void frmCalibrate2::validateBox(QObject* box) {
+    if (box == txtNewValue1)
+        txtNewValue1_Validate();
+    else if (box == txtNewValue2)
+        txtNewValue2_Validate();
+}
+
 bool frmCalibrate2::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
     case QEvent::MouseButtonPress:
@@ -333,20 +341,14 @@ bool frmCalibrate2::eventFilter(QObject* watched, QEvent* event) {
         if (validating_ || closing_ || !isVisible() || reason == Qt::ActiveWindowFocusReason ||
             reason == Qt::PopupFocusReason)
             break;
-        if (watched == txtNewValue1)
-            txtNewValue1_Validate();
-        else if (watched == txtNewValue2)
-            txtNewValue2_Validate();
+        validateBox(watched);
         break;
     }
     case QEvent::KeyRelease: {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->isAutoRepeat() || (key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter))
             break;
-        if (watched == txtNewValue1)
-            txtNewValue1_Validate();
-        else if (watched == txtNewValue2)
-            txtNewValue2_Validate();
+        validateBox(watched);
         break;
     }
     default:

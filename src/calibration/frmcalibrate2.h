@@ -109,6 +109,7 @@ protected:
 private:
     void createControls();
     void placeControls();
+    void validateBox(QObject* box);
     bool pointOneSelected() const;
     bool validate(QLineEdit* box, double& store);
     void setLabelText(QLabel* label, const QString& text);
