@@ -16,6 +16,9 @@ HistoryPanel::HistoryPanel(QWidget* parent) : QFrame(parent) {
     lstHST = new QListWidget(this);
     lstHST->setObjectName(QStringLiteral("lstHST"));
     lstHST->setToolTip(QStringLiteral("Click an event to locate on the graph."));
+    // Every entry is one line of one font: with uniform sizes the list does not measure tens of
+    // thousands of entries again each time a load lets window events run.
+    lstHST->setUniformItemSizes(true);
     cmdAddComment = new QPushButton(QStringLiteral("Add Comment"), this);
     cmdAddComment->setObjectName(QStringLiteral("cmdAddComment"));
     gridHistoryEvents = new QTableWidget(0, 2, this);
