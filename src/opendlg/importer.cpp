@@ -290,10 +290,6 @@ private:
         return false;
     }
 
-    static bool endsWith(const QString& name, const char* suffix) {
-        return name.endsWith(QLatin1String(suffix), Qt::CaseInsensitive);
-    }
-
     const Folders& folders_;
     bool deleteSources_;
     const Callbacks& callbacks_;
