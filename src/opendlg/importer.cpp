@@ -168,10 +168,8 @@ std::vector<SourceFile> listSource(const QString& folder) {
         files.push_back({decoded, filenames::join(folder, decoded), path, copyable});
     }
     ::closedir(dir);
-    // Names that differ only in letter case keep one order: capitals first.
     std::sort(files.begin(), files.end(), [](const SourceFile& a, const SourceFile& b) {
-        const int c = a.name.compare(b.name, Qt::CaseInsensitive);
-        return c != 0 ? c < 0 : a.name < b.name;
+        return filenames::lessByName(a.name, b.name);
     });
     return files;
 }
