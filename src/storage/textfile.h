@@ -27,7 +27,11 @@ std::optional<QString> readFirstLine(const QString& path);
 // existing name. Returns false, leaving the old file as it was, on any failure. A symbolic link
 // in the file's place is replaced by a regular file, its target left alone.
 bool writeLines(const QString& path, const QStringList& lines);
-// Appends one line and CR LF, creating the file when missing.
+// Appends one line and CR LF, creating the file when missing. The line is on disk (synced)
+// before this reports success; on failure the file holds exactly the bytes it held before (a
+// partly written line is cut off again, a file it created is removed).
 bool appendLine(const QString& path, const QString& line);
+// The same, telling why: 0 when the line is stored, otherwise the error number.
+int appendLineOrError(const QString& path, const QString& line);
 
 } // namespace trendax::textfile
