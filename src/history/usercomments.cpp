@@ -1,6 +1,5 @@
 #include "history/usercomments.h"
 
-#include "history/textlines.h"
 #include "storage/filenames.h"
 #include "storage/textfile.h"
 
@@ -35,7 +34,7 @@ void sortCommentRows(QStringList& rows) {
 }
 
 QStringList commentRows(QByteArrayView bytes) {
-    const QStringList lines = textLines(bytes);
+    const QStringList lines = textfile::nonBlankLines(bytes);
     QStringList rows;
     rows.reserve(lines.size());
     QString previous;

@@ -17,6 +17,12 @@ QByteArray encode(QStringView text);
 // Splits on CR LF or LF; a final line end does not start another line.
 QStringList splitLines(const QString& text);
 
+// The non-blank lines of bytes in file order, read leniently as controllers and editors leave
+// files: a line ends at CR LF, LF or a lone CR; a UTF-8 byte order mark at the start is dropped
+// (the rest is still read as Windows-1252); a line that is empty or holds only blanks and TABs
+// is no line. Linear in the size of the bytes; NUL bytes are kept as characters.
+QStringList nonBlankLines(QByteArrayView bytes);
+
 // Reads the whole file; nullopt when it cannot be opened.
 std::optional<QByteArray> readBytes(const QString& path);
 std::optional<QStringList> readLines(const QString& path);
