@@ -1,7 +1,7 @@
 // The comments file loader under a fuzzer: any bytes give one row per line, each row empty or a
 // 19-character time, a TAB and the rest of a line, sorted by the time column.
-#include "history/textlines.h"
 #include "history/usercomments.h"
+#include "storage/textfile.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -10,7 +10,7 @@ using namespace trendax::history;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QByteArrayView bytes(reinterpret_cast<const char*>(data), qsizetype(size));
-    const QStringList lines = textLines(bytes);
+    const QStringList lines = trendax::textfile::nonBlankLines(bytes);
     const QStringList rows = commentRows(bytes);
     if (rows.size() != lines.size())
         std::abort();

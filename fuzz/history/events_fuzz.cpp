@@ -1,7 +1,7 @@
 // The history file decoder under a fuzzer: any bytes give one entry per line (none for a single
 // line), every entry being a decoded line, the entry before it, or empty at the start.
 #include "history/historyfile.h"
-#include "history/textlines.h"
+#include "storage/textfile.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -10,7 +10,7 @@ using namespace trendax::history;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QByteArrayView bytes(reinterpret_cast<const char*>(data), qsizetype(size));
-    const QStringList lines = textLines(bytes);
+    const QStringList lines = trendax::textfile::nonBlankLines(bytes);
     const QStringList entries = historyEntries(bytes, u"12");
     if (entries.size() != (lines.size() < 2 ? 0 : lines.size()))
         std::abort();

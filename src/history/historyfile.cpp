@@ -1,7 +1,6 @@
 #include "history/historyfile.h"
 
 #include "history/eventcodes.h"
-#include "history/textlines.h"
 #include "storage/textfile.h"
 
 #include <QFileInfo>
@@ -49,7 +48,7 @@ QString historyYear(const QString& path) {
 }
 
 QStringList historyEntries(QByteArrayView bytes, QStringView year) {
-    const QStringList lines = textLines(bytes);
+    const QStringList lines = textfile::nonBlankLines(bytes);
     QStringList entries;
     if (lines.size() < 2)
         return entries;

@@ -1,18 +1,12 @@
 #include "history/usercomments.h"
 
-#include "history/textlines.h"
 #include "storage/filenames.h"
 #include "storage/textfile.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstring>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace trendax::history {
 
@@ -40,7 +34,7 @@ void sortCommentRows(QStringList& rows) {
 }
 
 QStringList commentRows(QByteArrayView bytes) {
-    const QStringList lines = textLines(bytes);
+    const QStringList lines = textfile::nonBlankLines(bytes);
     QStringList rows;
     rows.reserve(lines.size());
     QString previous;
@@ -91,87 +85,15 @@ std::optional<datetime::DateTime> commentCellTime(QStringView cell) {
 
 // ---- Appending ----
 
-namespace {
-
-QString reason(int error) {
-    return QString::fromLocal8Bit(std::strerror(error));
-}
-
-bool writeAll(int fd, const QByteArray& bytes) {
-    const char* p = bytes.constData();
-    qsizetype left = bytes.size();
-    while (left > 0) {
-        const ssize_t n = ::write(fd, p, size_t(left));
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0) {
-            if (n == 0)
-                errno = EIO;
-            return false;
-        }
-        p += n;
-        left -= n;
-    }
-    return true;
-}
-
-// Makes a newly created file's name durable as well as its content.
-void syncFolder(const QByteArray& file) {
-    const QByteArray folder = QFile::encodeName(QFileInfo(QFile::decodeName(file)).path());
-    const int fd = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (fd >= 0) {
-        ::fsync(fd);
-        ::close(fd);
-    }
-}
-
-} // namespace
-
 AppendResult AppendUserComment(datetime::DateTime time, const QString& comment,
                                const QString& path) {
     // Beyond these days the calendar arithmetic has no four-digit year to write.
     if (!std::isfinite(time) || time < -657434.0 || time >= 2958466.0)
         return {QStringLiteral("the comment's time is not a date")};
-    const QByteArray name = QFile::encodeName(filenames::resolve(path));
-    const QByteArray line =
-        textfile::encode(formatCommentTime(time) + QLatin1Char(' ') + comment) + "\r\n";
-
-    bool created = false;
-    int fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CLOEXEC);
-    if (fd < 0 && errno == ENOENT) {
-        fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        created = fd >= 0;
-    }
-    if (fd < 0)
-        return {reason(errno)};
-
-    struct stat before {};
-    if (::fstat(fd, &before) != 0) {
-        const int error = errno;
-        ::close(fd);
-        return {reason(error)};
-    }
-    const bool regular = S_ISREG(before.st_mode);
-    if (writeAll(fd, line) && ::fsync(fd) == 0) {
-        ::close(fd); // the line is on disk already; a late close error loses nothing
-        if (created)
-            syncFolder(name);
-        return {};
-    }
-    const int error = errno;
-    if (created) {
-        ::close(fd);
-        ::unlink(name.constData());
-    } else {
-        // Cut a partly written line off so that the file holds exactly what it held before.
-        if (regular) {
-            while (::ftruncate(fd, before.st_size) != 0 && errno == EINTR) {
-            }
-            ::fsync(fd);
-        }
-        ::close(fd);
-    }
-    return {reason(error)};
+    if (const int error =
+            textfile::appendLineOrError(path, formatCommentTime(time) + QLatin1Char(' ') + comment))
+        return {QString::fromLocal8Bit(std::strerror(error))};
+    return {};
 }
 
 } // namespace trendax::history

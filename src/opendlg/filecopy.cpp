@@ -130,18 +130,10 @@ Result copy(const QByteArray& src, const QString& destination, const Progress& p
     return {};
 }
 
-Result remove(const QString& path) {
-    return remove(QFile::encodeName(path));
-}
-
 Result remove(const QByteArray& path) {
     if (::unlink(path.constData()) != 0)
         return failure(errno, QStringLiteral("cannot delete the file"));
     return {};
-}
-
-bool sameFile(const QString& a, const QString& b) {
-    return sameFile(QFile::encodeName(a), b);
 }
 
 bool sameFile(const QByteArray& a, const QString& b) {

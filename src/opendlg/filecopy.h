@@ -26,12 +26,11 @@ Result copy(const QString& source, const QString& destination, const Progress& p
 // encoding (a controller's media written on another system).
 Result copy(const QByteArray& source, const QString& destination, const Progress& progress = {});
 
-// Deletes a file, also a read-only one (its folder's permissions decide on this system).
-Result remove(const QString& path);
+// Deletes a file named by its bytes, also a read-only one (its folder's permissions decide on
+// this system).
 Result remove(const QByteArray& path);
 
-// True when both paths name the same existing file.
-bool sameFile(const QString& a, const QString& b);
+// True when both paths, the first by its bytes, name the same existing file.
 bool sameFile(const QByteArray& a, const QString& b);
 
 } // namespace trendax::filecopy

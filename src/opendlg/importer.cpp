@@ -168,10 +168,8 @@ std::vector<SourceFile> listSource(const QString& folder) {
         files.push_back({decoded, filenames::join(folder, decoded), path, copyable});
     }
     ::closedir(dir);
-    // Names that differ only in letter case keep one order: capitals first.
     std::sort(files.begin(), files.end(), [](const SourceFile& a, const SourceFile& b) {
-        const int c = a.name.compare(b.name, Qt::CaseInsensitive);
-        return c != 0 ? c < 0 : a.name < b.name;
+        return filenames::lessByName(a.name, b.name);
     });
     return files;
 }
@@ -288,10 +286,6 @@ private:
         if (callbacks_.message)
             callbacks_.message(text);
         return false;
-    }
-
-    static bool endsWith(const QString& name, const char* suffix) {
-        return name.endsWith(QLatin1String(suffix), Qt::CaseInsensitive);
     }
 
     const Folders& folders_;

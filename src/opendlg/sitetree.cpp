@@ -25,8 +25,7 @@ int twoDigits(const QString& text, qsizetype from) {
 }
 
 bool codeOrder(const Site& a, const Site& b) {
-    const int c = a.code.compare(b.code, Qt::CaseInsensitive);
-    return c != 0 ? c < 0 : a.code < b.code;
+    return filenames::lessByName(a.code, b.code);
 }
 
 } // namespace
@@ -79,11 +78,7 @@ QStringList listFiles(const QString& folder) {
         return {};
     QStringList names = QDir(folder).entryList(QDir::Files, QDir::Unsorted);
     names.removeIf([](const QString& name) { return homefolder::isOwnTemporary(name); });
-    // Names that differ only in letter case keep one order: capitals first.
-    std::sort(names.begin(), names.end(), [](const QString& a, const QString& b) {
-        const int c = a.compare(b, Qt::CaseInsensitive);
-        return c != 0 ? c < 0 : a < b;
-    });
+    std::sort(names.begin(), names.end(), filenames::lessByName);
     return names;
 }
 

@@ -21,7 +21,7 @@ namespace appfolder {
 QString perUserFolder(const QString& xdgDataHome, const QString& home) {
     const QString dataFolder =
         QDir::isAbsolutePath(xdgDataHome) ? xdgDataHome : home + QStringLiteral("/.local/share");
-    return QDir::cleanPath(dataFolder + QStringLiteral("/Trendax2"));
+    return QDir::cleanPath(dataFolder + QLatin1Char('/') + programTitle());
 }
 
 QString perUserFolder() {

@@ -41,6 +41,11 @@ unsigned newFilePermissions() {
     return 0666u & ~unsigned(mask);
 }
 
+bool lessByName(QStringView a, QStringView b) {
+    const int c = a.compare(b, Qt::CaseInsensitive);
+    return c != 0 ? c < 0 : a < b;
+}
+
 QString join(const QString& folder, const QString& name) {
     if (folder.endsWith(QLatin1Char('/')))
         return folder + name;

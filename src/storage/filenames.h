@@ -14,6 +14,10 @@ QString resolve(const QString& path);
 // The permission bits the user's umask gives a new file (0666 less the umask).
 unsigned newFilePermissions();
 
+// The order of file names lists show: without regard to letter case, and names that differ only
+// in letter case capitals first, so that the order never depends on how a folder was read.
+bool lessByName(QStringView a, QStringView b);
+
 // Joins a folder and a bare name with one separator.
 QString join(const QString& folder, const QString& name);
 

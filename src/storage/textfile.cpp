@@ -30,6 +30,44 @@ char encodeChar(char16_t c) {
     return '?';
 }
 
+// Writes all the bytes, going on after interruptions; false with errno set on failure.
+bool writeAll(int fd, QByteArrayView bytes) {
+    const char* p = bytes.data();
+    qsizetype left = bytes.size();
+    while (left > 0) {
+        const ssize_t n = ::write(fd, p, size_t(left));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0) {
+            if (n == 0)
+                errno = EIO;
+            return false;
+        }
+        p += n;
+        left -= n;
+    }
+    return true;
+}
+
+// Makes a newly created file's name durable as well as its content.
+void syncFolder(const QByteArray& file) {
+    const qsizetype slash = file.lastIndexOf('/');
+    const QByteArray folder = slash < 0 ? QByteArray(".") : slash == 0 ? "/" : file.left(slash);
+    const int fd = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd >= 0) {
+        ::fsync(fd);
+        ::close(fd);
+    }
+}
+
+bool isBlankLine(QStringView line) {
+    for (const QChar c : line) {
+        if (c != QLatin1Char(' ') && c != QLatin1Char('\t'))
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 QString decode(QByteArrayView bytes) {
@@ -56,6 +94,28 @@ QStringList splitLines(const QString& text) {
     for (QString& line : lines) {
         if (line.endsWith(QLatin1Char('\r')))
             line.chop(1);
+    }
+    return lines;
+}
+
+QStringList nonBlankLines(QByteArrayView bytes) {
+    if (bytes.startsWith("\xEF\xBB\xBF"))
+        bytes = bytes.sliced(3);
+    const QString text = decode(bytes);
+    QStringList lines;
+    qsizetype start = 0;
+    const qsizetype n = text.size();
+    const QChar* data = text.constData();
+    for (qsizetype i = 0; i <= n; ++i) {
+        const bool end = i == n;
+        if (!end && data[i] != QLatin1Char('\r') && data[i] != QLatin1Char('\n'))
+            continue;
+        const QStringView line(data + start, i - start);
+        if (!isBlankLine(line))
+            lines.append(line.toString());
+        if (!end && data[i] == QLatin1Char('\r') && i + 1 < n && data[i + 1] == QLatin1Char('\n'))
+            ++i;
+        start = i + 1;
     }
     return lines;
 }
@@ -107,14 +167,7 @@ bool writeLines(const QString& path, const QStringList& lines) {
     const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);
     if (fd < 0)
         return false;
-    bool written = ::fchmod(fd, mode_t(mode)) == 0;
-    for (qsizetype put = 0; written && put < bytes.size();) {
-        const ssize_t n = ::write(fd, bytes.constData() + put, size_t(bytes.size() - put));
-        if (n < 0 && errno == EINTR)
-            continue;
-        written = n > 0;
-        put += n;
-    }
+    bool written = ::fchmod(fd, mode_t(mode)) == 0 && writeAll(fd, bytes);
     written = written && (::fsync(fd) == 0 || errno == EINVAL);
     written = ::close(fd) == 0 && written;
     if (!written || ::rename(temporary.constData(), target.constData()) != 0) {
@@ -125,11 +178,48 @@ bool writeLines(const QString& path, const QStringList& lines) {
 }
 
 bool appendLine(const QString& path, const QString& line) {
-    QFile file(filenames::resolve(path));
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Append))
-        return false;
+    return appendLineOrError(path, line) == 0;
+}
+
+int appendLineOrError(const QString& path, const QString& line) {
+    const QByteArray name = QFile::encodeName(filenames::resolve(path));
     const QByteArray bytes = encode(line) + "\r\n";
-    return file.write(bytes) == bytes.size() && file.flush();
+
+    bool created = false;
+    int fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    if (fd < 0 && errno == ENOENT) {
+        fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        created = fd >= 0;
+    }
+    if (fd < 0)
+        return errno;
+
+    struct stat before {};
+    if (::fstat(fd, &before) != 0) {
+        const int error = errno;
+        ::close(fd);
+        return error;
+    }
+    if (writeAll(fd, bytes) && ::fsync(fd) == 0) {
+        ::close(fd); // the line is on disk already; a late close error loses nothing
+        if (created)
+            syncFolder(name);
+        return 0;
+    }
+    const int error = errno;
+    if (created) {
+        ::close(fd);
+        ::unlink(name.constData());
+    } else {
+        // Cut a partly written line off so that the file holds exactly what it held before.
+        if (S_ISREG(before.st_mode)) {
+            while (::ftruncate(fd, before.st_size) != 0 && errno == EINTR) {
+            }
+            ::fsync(fd);
+        }
+        ::close(fd);
+    }
+    return error;
 }
 
 } // namespace trendax::textfile

@@ -17,6 +17,12 @@ QByteArray encode(QStringView text);
 // Splits on CR LF or LF; a final line end does not start another line.
 QStringList splitLines(const QString& text);
 
+// The non-blank lines of bytes in file order, read leniently as controllers and editors leave
+// files: a line ends at CR LF, LF or a lone CR; a UTF-8 byte order mark at the start is dropped
+// (the rest is still read as Windows-1252); a line that is empty or holds only blanks and TABs
+// is no line. Linear in the size of the bytes; NUL bytes are kept as characters.
+QStringList nonBlankLines(QByteArrayView bytes);
+
 // Reads the whole file; nullopt when it cannot be opened.
 std::optional<QByteArray> readBytes(const QString& path);
 std::optional<QStringList> readLines(const QString& path);
@@ -27,7 +33,11 @@ std::optional<QString> readFirstLine(const QString& path);
 // existing name. Returns false, leaving the old file as it was, on any failure. A symbolic link
 // in the file's place is replaced by a regular file, its target left alone.
 bool writeLines(const QString& path, const QStringList& lines);
-// Appends one line and CR LF, creating the file when missing.
+// Appends one line and CR LF, creating the file when missing. The line is on disk (synced)
+// before this reports success; on failure the file holds exactly the bytes it held before (a
+// partly written line is cut off again, a file it created is removed).
 bool appendLine(const QString& path, const QString& line);
+// The same, telling why: 0 when the line is stored, otherwise the error number.
+int appendLineOrError(const QString& path, const QString& line);
 
 } // namespace trendax::textfile
