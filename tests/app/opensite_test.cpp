@@ -14,14 +14,13 @@ namespace {
 class OpenCommand : public MainWindowTest {
 protected:
     OpenCommand() {
-        gen::SiteSpec site;
-        site.site = QStringLiteral("WL05");
-        site.channels = 5;
-        site.start = QDate(2012, 3, 14);
-        site.days = 3;
-        site.rowsPerDay = 240;
-        site.naming = gen::Naming::Controller;
-        EXPECT_TRUE(gen::writeSite(site, media.path()));
+        EXPECT_TRUE(gen::writeSite({.site = "WL05",
+                                    .channels = 5,
+                                    .start = QDate(2012, 3, 14),
+                                    .days = 3,
+                                    .rowsPerDay = 240,
+                                    .naming = gen::Naming::Controller},
+                                   media.path()));
     }
 
     // Runs the open command; `drive` acts on the modal dialog once it is up.
