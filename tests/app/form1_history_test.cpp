@@ -1,44 +1,28 @@
 // The history column through the main window: the event list and comment grid after a load,
 // adding a comment, and moving the chart to an event or comment.
-#include "app/form1.h"
-#include "chart/stripchart.h"
-#include "opendlg/dlgopen.h"
-#include "support/scratchfolder.h"
-#include "support/scripteddialogs.h"
-#include "support/scriptedenvironment.h"
+#include "mainwindowtest.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QHeaderView>
-#include <QLabel>
 #include <QListWidget>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTableWidget>
-#include <QTreeWidgetItem>
 #include <algorithm>
-#include <gtest/gtest.h>
 
-namespace trendax {
+namespace trendax::test {
 namespace {
 
-constexpr double mar15 = 40983.0; // 03/15/2012
-
-class HistoryColumn : public ::testing::Test {
+class HistoryColumn : public MainWindowTest {
 protected:
-    HistoryColumn() { QDir().mkpath(scratch.file("logfiles")); }
-
-    QString comments() const { return scratch.file("logfiles/AB12USEREVENTS.TXT"); }
-
-    // Site AB12 with a data log on 03/14 and 03/15 and history and comments files; the range
+    // Site AB12 with data logs, history files of 03/14 and 03/15 and a comments file; the range
     // takes 03/15 alone.
     void loadSite() {
-        for (const char* d : {"031412", "031512"})
-            scratch.write(QStringLiteral("logfiles/AB12%1.CSV").arg(d),
-                          QByteArray("AB12,") + d[0] + d[1] + '/' + d[2] + d[3] +
-                              "/12,00:00:00.00,1\r\nAB12,03/15/12,23:00:00.00,2\r\n");
+        writeDay("AB12", "031412", 1, 1440);
+        writeDay("AB12", "031512", 1, 1440);
         scratch.write("logfiles/AB12031412.TXT",
                       "OLD     03/14 01:00:00\r\nULD 03/14 02:00:00\r\n");
         scratch.write("logfiles/AB12031512.TXT",
@@ -46,13 +30,7 @@ protected:
         scratch.write("logfiles/AB12USEREVENTS.TXT", "12/31/2011 08:00:00 old year\r\n"
                                                      "03/15/2012 09:00:00 b\tsecond\r\n"
                                                      "01/02/2013 10:00:00 new year\r\n");
-        QTreeWidgetItem node;
-        node.setText(0, QStringLiteral("AB12"));
-        node.setData(0, dlgOpen::TagRole, scratch.file("logfiles"));
-        for (const char* d : {"031412", "031512"})
-            (new QTreeWidgetItem(&node))->setText(0, QString::fromLatin1(d));
-        w->CopySelectedNode(&node, mar15, mar15);
-        w->LoadWell();
+        load("AB12", {"031412", "031512"}, mar15, mar15);
     }
 
     QStringList listEntries() const {
@@ -70,16 +48,7 @@ protected:
         return out;
     }
 
-    void hover(QWidget* target, int y) {
-        QMouseEvent move(QEvent::MouseMove, QPointF(5, y), target->mapToGlobal(QPointF(5, y)),
-                         Qt::NoButton, Qt::NoButton, Qt::NoModifier);
-        QApplication::sendEvent(target, &move);
-    }
-
-    test::ScratchFolder scratch;
-    test::ScriptedEnvironment env{scratch.path()};
-    test::ScriptedDialogs dialogs;
-    std::unique_ptr<Form1> w = std::make_unique<Form1>(env, dialogs);
+    const QString comments = scratch.file("logfiles/AB12USEREVENTS.TXT");
 };
 
 TEST_F(HistoryColumn, ALoadListsTheDaysEventsAndTheSortedComments) {
@@ -96,13 +65,10 @@ TEST_F(HistoryColumn, ALoadListsTheDaysEventsAndTheSortedComments) {
     EXPECT_EQ(w->gridHistoryEvents->rowCount(), 3);
 }
 
-TEST_F(HistoryColumn, AddCommentAsksNothingWithoutASite) {
+TEST_F(HistoryColumn, AddCommentAsksNothingWithoutASiteAndStoresTheAnswerByteForByte) {
     w->cmdAddComment->click();
     EXPECT_TRUE(dialogs.inputPrompts.isEmpty());
     EXPECT_EQ(w->gridHistoryEvents->rowCount(), 0);
-}
-
-TEST_F(HistoryColumn, AddCommentStoresTheAnswerByteForByte) {
     loadSite();
     const QByteArray before = scratch.read("logfiles/AB12USEREVENTS.TXT");
     w->Strip1->setCursorX(mar15 + 0.5);
@@ -120,48 +86,40 @@ TEST_F(HistoryColumn, AddCommentStoresTheAnswerByteForByte) {
     const QStringList rows = gridRows();
     ASSERT_EQ(rows.size(), 4);
     EXPECT_TRUE(rows.contains(datetime::formatGeneral(mar15 + 0.5) + "|pump, \"ok\"\tcaf\u00e9"));
-    QStringList sorted = rows;
-    std::sort(sorted.begin(), sorted.end());
-    EXPECT_EQ(rows, sorted);
+    EXPECT_TRUE(std::is_sorted(rows.begin(), rows.end()));
     EXPECT_TRUE(dialogs.messages.empty());
 }
 
 TEST_F(HistoryColumn, AFailedAppendTakesTheRowBackAndSaysWhy) {
     loadSite();
-    QFile::remove(comments());
-    ASSERT_TRUE(QDir().mkpath(comments())); // a folder where the file belongs
+    QFile::remove(comments);
+    ASSERT_TRUE(QDir().mkpath(comments)); // a folder where the file belongs
     dialogs.inputAnswers = {QStringLiteral("lost?")};
     w->cmdAddComment->click();
     EXPECT_EQ(w->gridHistoryEvents->rowCount(), 3);
     ASSERT_EQ(dialogs.messages.size(), 1u);
     EXPECT_TRUE(dialogs.messages[0].text.contains("not saved"));
     EXPECT_TRUE(dialogs.messages[0].text.contains("AB12USEREVENTS.TXT"));
-    EXPECT_TRUE(QFileInfo(comments()).isDir());
+    EXPECT_TRUE(QFileInfo(comments).isDir());
 }
 
-struct Centring {
-    const char* name;
-    double span; // days
-};
-
-class CentringOnAnEvent : public HistoryColumn, public ::testing::WithParamInterface<Centring> {};
+class CentringOnAnEvent : public HistoryColumn, public ::testing::WithParamInterface<double> {};
 
 TEST_P(CentringOnAnEvent, KeepsTheSpanAroundTheEvent) {
     loadSite();
-    const double span = GetParam().span;
+    const double span = GetParam(), t = mar15 + 11 / 24.0;
     w->Strip1->setXSpan(span);
     emit w->frameHist->eventClicked(2);
-    const double t = mar15 + 11 / 24.0;
     EXPECT_NEAR(w->Strip1->XViewStart(), t - span / 2, 1e-9);
     EXPECT_NEAR(w->Strip1->XSpan(), span, 1e-9);
     EXPECT_DOUBLE_EQ(w->Strip1->CursorX(), t);
     EXPECT_TRUE(w->lblCursor->text().contains(datetime::formatGeneral(t)));
 }
 
-INSTANTIATE_TEST_SUITE_P(Spans, CentringOnAnEvent,
-                         ::testing::Values(Centring{"OneHour", 1 / 24.0},
-                                           Centring{"ThirtyDays", 30.0}),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Spans, CentringOnAnEvent, ::testing::Values(1 / 24.0, 30.0),
+                         [](const auto& info) {
+                             return std::string(info.param < 1 ? "OneHour" : "ThirtyDays");
+                         });
 
 TEST_F(HistoryColumn, AnEntryWithoutATimeLeavesTheChartAndSaysSo) {
     loadSite();
@@ -179,6 +137,11 @@ TEST_F(HistoryColumn, HoverShowsTheCommentAndAClickUsesTheClickedRow) {
     w->resize(1200, 900);
     w->show();
     QTableWidget* grid = w->gridHistoryEvents;
+    const auto hover = [](QWidget* target, int y) {
+        QMouseEvent move(QEvent::MouseMove, QPointF(5, y), target->mapToGlobal(QPointF(5, y)),
+                         Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(target, &move);
+    };
     hover(grid->horizontalHeader(), 2);
     EXPECT_EQ(grid->toolTip(), QStringLiteral("Comment"));
     hover(grid->viewport(), grid->rowViewportPosition(2) + 2);
@@ -192,4 +155,4 @@ TEST_F(HistoryColumn, HoverShowsTheCommentAndAClickUsesTheClickedRow) {
 }
 
 } // namespace
-} // namespace trendax
+} // namespace trendax::test

@@ -1,36 +1,26 @@
 // The whole road a field engineer takes: Open, import the controller's media, pick a day, OK,
 // and the chart holds the loaded days.
-#include "app/form1.h"
-#include "chart/stripchart.h"
-#include "chart/stripchartmodel.h"
-#include "opendlg/dlgopen.h"
-#include "support/scratchfolder.h"
-#include "support/scripteddialogs.h"
-#include "support/scriptedenvironment.h"
+#include "mainwindowtest.h"
 #include "synthetic.h"
 
 #include <QApplication>
-#include <QCalendarWidget>
-#include <QDir>
 #include <QFile>
+#include <QProgressBar>
 #include <QTimer>
-#include <QTreeWidget>
-#include <gtest/gtest.h>
 
-namespace trendax {
+namespace trendax::test {
 namespace {
 
-class OpenCommand : public ::testing::Test {
+class OpenCommand : public MainWindowTest {
 protected:
     OpenCommand() {
-        gen::SiteSpec siteSpec;
-        siteSpec.site = QStringLiteral("WL05");
-        siteSpec.channels = 5;
-        siteSpec.start = QDate(2012, 3, 14);
-        siteSpec.days = 3;
-        siteSpec.rowsPerDay = 240;
-        siteSpec.naming = gen::Naming::Controller;
-        EXPECT_TRUE(gen::writeSite(siteSpec, media.path()));
+        EXPECT_TRUE(gen::writeSite({.site = "WL05",
+                                    .channels = 5,
+                                    .start = QDate(2012, 3, 14),
+                                    .days = 3,
+                                    .rowsPerDay = 240,
+                                    .naming = gen::Naming::Controller},
+                                   media.path()));
     }
 
     // Runs the open command; `drive` acts on the modal dialog once it is up.
@@ -46,11 +36,7 @@ protected:
         EXPECT_TRUE(driven);
     }
 
-    test::ScratchFolder app;
-    test::ScratchFolder media;
-    test::ScriptedEnvironment env{app.path()};
-    test::ScriptedDialogs dialogs;
-    std::unique_ptr<Form1> w = std::make_unique<Form1>(env, dialogs);
+    ScratchFolder media;
 };
 
 TEST_F(OpenCommand, ImportPickADayAndOkLoadsTheDaysFromThere) {
@@ -63,33 +49,35 @@ TEST_F(OpenCommand, ImportPickADayAndOkLoadsTheDaysFromThere) {
         d.tv_NodeClick(day);
         d.OKButton_Click();
     });
-    EXPECT_TRUE(QFile::exists(app.file("logfiles/WL05031412.CSV")));
+    EXPECT_TRUE(QFile::exists(scratch.file("logfiles/WL05031412.CSV")));
     EXPECT_TRUE(QFile::exists(media.file("WL050314.CSV")));
     EXPECT_EQ(w->windowTitle(), QStringLiteral("Trendax 2 - V3.0.7 - Site: WL05"));
     // From the clicked day (15 March) to the end calendar (today): two of the three days.
-    EXPECT_EQ(w->Strip1->model().pointCount(0), 2u * 240u);
-    EXPECT_DOUBLE_EQ(w->XMin, 40983.0);
+    EXPECT_EQ(points(0), 2u * 240u);
+    EXPECT_DOUBLE_EQ(w->XMin, mar15);
+    EXPECT_NEAR(w->XMax, mar16 + 239 / 240.0, 1e-9); // a row every six minutes
+    EXPECT_DOUBLE_EQ(w->Strip1->CursorX(), w->XMin + (w->XMax - w->XMin) / 2);
+    EXPECT_DOUBLE_EQ(w->Strip1->XViewStart(), w->XMin);
+    EXPECT_TRUE(w->isEnabled());
+    EXPECT_EQ(w->progressDialog(), nullptr);
+    EXPECT_FALSE(w->ProgressBar1->isVisible());
     EXPECT_EQ(w->numChannels, 5);
-    EXPECT_EQ(w->lastSiteFolder, app.file("logfiles"));
+    EXPECT_EQ(w->lastSiteFolder, scratch.file("logfiles"));
 }
 
-TEST_F(OpenCommand, CancelLoadsNothing) {
+TEST_F(OpenCommand, OkWithoutASiteOrCancelLoadsNothingAndSaysNothing) {
+    open([&](dlgOpen& d) { d.OKButton_Click(); });
+    dialogs.messageAnswers.push_back(QMessageBox::No);
     open([&](dlgOpen& d) {
         ASSERT_TRUE(d.setDir1Path(media.path()));
-        dialogs.messageAnswers.push_back(QMessageBox::No);
         d.cmdImport_Click();
         d.tv_NodeClick(d.nodeByKey(QStringLiteral("mWL05")));
         d.CancelButton_Click();
     });
     EXPECT_EQ(w->windowTitle(), QStringLiteral("Trendax 2 - V3.0.7"));
-    EXPECT_EQ(w->Strip1->model().pointCount(0), 0u);
-}
-
-TEST_F(OpenCommand, OkWithoutASiteLoadsNothingAndSaysNothing) {
-    open([&](dlgOpen& d) { d.OKButton_Click(); });
-    EXPECT_EQ(w->windowTitle(), QStringLiteral("Trendax 2 - V3.0.7"));
-    EXPECT_TRUE(dialogs.messages.empty());
+    EXPECT_EQ(points(0), 0u);
+    EXPECT_EQ(dialogs.messages.size(), 1u) << "only the import's question";
 }
 
 } // namespace
-} // namespace trendax
+} // namespace trendax::test
