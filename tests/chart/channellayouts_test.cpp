@@ -64,20 +64,18 @@ TEST(InitialColours, KeepTheOddGreen) {
 }
 
 TEST(SavedColours, AcceptOnlyAColourNumber) {
-    const std::pair<const char*, std::optional<PackedColor>> rows[] = {
-        {"?", {}},
-        {"0", 0u},
-        {"16777215", 0xFFFFFFu},
-        {"10526880", 10526880u},
-        {" 255 ", 255u},
-        {"16777216", {}},
-        {"-1", {}},
-        {"", {}},
-        {"red", {}},
-        {"12abc", {}},
-        {"1.5", {}},
-        {"&HFF", {}},
-    };
+    const std::pair<const char*, std::optional<PackedColor>> rows[] = {{"0", 0u},
+                                                                       {"16777215", 0xFFFFFFu},
+                                                                       {"10526880", 10526880u},
+                                                                       {" 255 ", 255u},
+                                                                       {"?", {}},
+                                                                       {"16777216", {}},
+                                                                       {"-1", {}},
+                                                                       {"", {}},
+                                                                       {"red", {}},
+                                                                       {"12abc", {}},
+                                                                       {"1.5", {}},
+                                                                       {"&HFF", {}}};
     for (const auto& [text, colour] : rows) {
         SCOPED_TRACE(text);
         EXPECT_EQ(storedColor(QString::fromLatin1(text)), colour);

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <initializer_list>
 #include <utility>
-#include <vector>
 
 namespace trendax::test {
 
@@ -15,17 +14,7 @@ inline XYArray makeArray(std::initializer_list<std::pair<double, double>> points
     std::size_t i = 0;
     for (const auto& [x, y] : points) {
         a.at(0, i) = x;
-        a.at(1, i) = y;
-        ++i;
-    }
-    return a;
-}
-
-inline XYArray makeArray(const std::vector<double>& times, const std::vector<double>& values) {
-    XYArray a(2, times.size());
-    for (std::size_t i = 0; i < times.size(); ++i) {
-        a.at(0, i) = times[i];
-        a.at(1, i) = values[i];
+        a.at(1, i++) = y;
     }
     return a;
 }

@@ -8,12 +8,7 @@ namespace trendax::navigation {
 namespace {
 
 constexpr double second = 1.0 / 86400.0;
-
-// A chart showing [start, end] with the cursor at cursor.
-void showWindow(StripChartModel& chart, double start, double end, double cursor) {
-    chart.showXRange(start, end);
-    chart.setCursorX(cursor);
-}
+const auto rowName = [](const auto& info) { return std::string(info.param.name); };
 
 struct ZoomCase {
     const char* name;
@@ -23,46 +18,39 @@ struct ZoomCase {
     double centre; // expected window middle and cursor
 };
 
-const ZoomCase zoomCases[] = {
-    {"InHalvesAboutTheCursor", 100, 102, 101.5, 0, 1, 101.5},
-    {"OutDoublesAboutTheCursor", 100, 130, 110, 1, 60, 110},
-    {"OutHasNoUpperLimit", 100, 220, 150, 1, 240, 150},
-    {"InBelowTheFloorOnlyRecentres", 100, 100 + 3 * second, 100 + 2 * second, 0, 3 * second,
-     100 + 2 * second},
-    {"InJustAboveTheFloor", 100, 100 + 5 * second, 100 + 5 * second, 0, 2.5 * second,
-     100 + 5 * second},
-    {"CursorLeftOfTheWindowGoesToTheMiddleFirst", 100, 104, 90, 0, 2, 102},
-    {"CursorRightOfTheWindowGoesToTheMiddleFirst", 100, 104, 110, 1, 8, 102},
-    {"OtherModeOnlyRecentres", 100, 104, 101, 7, 4, 101},
-};
-
 class ZoomTime : public testing::TestWithParam<ZoomCase> {};
 
 TEST_P(ZoomTime, SetsSpanAndCentresOnTheCursor) {
     const ZoomCase& c = GetParam();
     StripChartModel chart;
-    showWindow(chart, c.start, c.end, c.cursor);
+    chart.showXRange(c.start, c.end);
+    chart.setCursorX(c.cursor);
     zoomTime(chart, c.mode);
     EXPECT_NEAR(chart.xSpan(), c.span, 1e-9);
     EXPECT_NEAR(chart.cursorX(), c.centre, 1e-9);
     EXPECT_NEAR((chart.xViewStart() + chart.xViewEnd()) / 2, c.centre, 1e-9);
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, ZoomTime, testing::ValuesIn(zoomCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Rows, ZoomTime,
+    testing::Values(ZoomCase{"InHalvesAboutTheCursor", 100, 102, 101.5, 0, 1, 101.5},
+                    ZoomCase{"OutDoublesAboutTheCursor", 100, 130, 110, 1, 60, 110},
+                    ZoomCase{"OutHasNoUpperLimit", 100, 220, 150, 1, 240, 150},
+                    ZoomCase{"InBelowTheFloorOnlyRecentres", 100, 100 + 3 * second,
+                             100 + 2 * second, 0, 3 * second, 100 + 2 * second},
+                    ZoomCase{"InJustAboveTheFloor", 100, 100 + 5 * second, 100 + 5 * second, 0,
+                             2.5 * second, 100 + 5 * second},
+                    ZoomCase{"CursorLeftOfTheWindowGoesToTheMiddleFirst", 100, 104, 90, 0, 2, 102},
+                    ZoomCase{"CursorRightOfTheWindowGoesToTheMiddleFirst", 100, 104, 110, 1, 8,
+                             102},
+                    ZoomCase{"OtherModeOnlyRecentres", 100, 104, 101, 7, 4, 101}),
+    rowName);
 
 struct ScrollCase {
     const char* name;
     double start, end;
-    int mode;
+    std::vector<int> modes;
     double newStart, newEnd;
-};
-
-const ScrollCase scrollCases[] = {
-    {"LeftByATenth", 100, 110, 0, 99, 109},
-    {"RightByATenth", 100, 110, 1, 101, 111},
-    {"RightPastTheDataIsNotBounded", 1e5, 1e5 + 30, 1, 1e5 + 3, 1e5 + 33},
-    {"OtherModeDoesNothing", 100, 110, 2, 100, 110},
 };
 
 class ScrollTime : public testing::TestWithParam<ScrollCase> {};
@@ -70,24 +58,24 @@ class ScrollTime : public testing::TestWithParam<ScrollCase> {};
 TEST_P(ScrollTime, MovesTheWindowAndLeavesTheCursor) {
     const ScrollCase& c = GetParam();
     StripChartModel chart;
-    showWindow(chart, c.start, c.end, 105);
-    scrollTime(chart, c.mode);
+    chart.showXRange(c.start, c.end);
+    chart.setCursorX(105);
+    for (int mode : c.modes)
+        scrollTime(chart, mode);
     EXPECT_NEAR(chart.xViewStart(), c.newStart, 1e-9);
     EXPECT_NEAR(chart.xViewEnd(), c.newEnd, 1e-9);
     EXPECT_EQ(chart.cursorX(), 105);
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, ScrollTime, testing::ValuesIn(scrollCases),
-                         [](const auto& info) { return std::string(info.param.name); });
-
-TEST(ScrollTime, LeftUndoesRight) {
-    StripChartModel chart;
-    showWindow(chart, 40000, 40000.5, 40000.25);
-    scrollTime(chart, 1);
-    scrollTime(chart, 0);
-    EXPECT_NEAR(chart.xViewStart(), 40000, 1e-9);
-    EXPECT_NEAR(chart.xViewEnd(), 40000.5, 1e-9);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Rows, ScrollTime,
+    testing::Values(ScrollCase{"LeftByATenth", 100, 110, {0}, 99, 109},
+                    ScrollCase{"RightByATenth", 100, 110, {1}, 101, 111},
+                    ScrollCase{
+                        "RightPastTheDataIsNotBounded", 1e5, 1e5 + 30, {1}, 1e5 + 3, 1e5 + 33},
+                    ScrollCase{"LeftUndoesRight", 40000, 40000.5, {1, 1, 0, 0}, 40000, 40000.5},
+                    ScrollCase{"OtherModeDoesNothing", 100, 110, {2}, 100, 110}),
+    rowName);
 
 TEST(FixedSpan, KnowsTheFourKeysOnly) {
     const std::pair<const char16_t*, std::optional<double>> rows[] = {
@@ -101,43 +89,14 @@ TEST(FixedSpan, KnowsTheFourKeysOnly) {
 
 // ---- Y autoscale ----
 
-struct Variable {
-    int track;
-    bool visible;
-    double lo, hi; // its data: two points with these values
-};
+using Range = std::tuple<int, double, double>; // variable or track, min, max
 
 struct AutoScaleCase {
     const char* name;
     int trackCount;
-    std::vector<std::pair<int, Variable>> variables; // the others are hidden
-    // Expected variable ranges (var, min, max) and track ranges (track, min, max).
-    std::vector<std::tuple<int, double, double>> varRanges;
-    std::vector<std::tuple<int, double, double>> trackRanges;
-};
-
-const AutoScaleCase autoScaleCases[] = {
-    {"OneVisibleVariableGetsItsOwnRange", 1, {{0, {0, true, -3, 7}}}, {{0, -3, 7}}, {{0, -3, 7}}},
-    {"LaterVariablesOfATrackGetTheRunningRange",
-     2,
-     {{0, {0, true, 10, 20}}, {1, {0, true, 5, 15}}, {2, {0, true, 12, 30}}, {3, {1, true, 1, 2}}},
-     {{0, 10, 20}, {1, 5, 20}, {2, 5, 30}, {3, 1, 2}},
-     {{0, 5, 30}, {1, 1, 2}}},
-    {"HiddenVariablesAreNeitherScaledNorCounted",
-     1,
-     {{0, {0, true, 10, 20}}, {1, {0, false, -100, 100}}, {2, {0, true, 12, 18}}},
-     {{0, 10, 20}, {1, 0, 100}, {2, 10, 20}},
-     {{0, 10, 20}}},
-    {"TheFirstUnshownTrackIsScaledToo",
-     2,
-     {{0, {0, true, 1, 2}}, {5, {2, true, 40, 50}}, {6, {2, true, 30, 45}}},
-     {{5, 40, 50}, {6, 30, 50}},
-     {{2, 30, 50}}},
-    {"TracksBeyondTheFirstUnshownAreLeftAlone",
-     2,
-     {{0, {0, true, 1, 2}}, {7, {3, true, 40, 50}}},
-     {{7, 0, 100}},
-     {{3, 0, 100}}},
+    // Visible variables (var, track, min, max of its data); the others are hidden.
+    std::vector<std::tuple<int, int, double, double>> variables;
+    std::vector<Range> varRanges, trackRanges; // expected afterwards
 };
 
 class AutoScaleY : public testing::TestWithParam<AutoScaleCase> {};
@@ -148,28 +107,49 @@ TEST_P(AutoScaleY, FitsTracksInIndexOrder) {
     chart.setTrackCount(c.trackCount);
     for (int v = 0; v < StripChartModel::variableCount; ++v)
         chart.setVarVisible(v, false);
-    for (const auto& [v, var] : c.variables) {
-        chart.setVarTrack(v, var.track);
-        chart.setVarVisible(v, var.visible);
-        chart.addXYArray(v, test::makeArray({{1.0, var.lo}, {2.0, var.hi}}));
+    for (const auto& [v, track, lo, hi] : c.variables) {
+        chart.setVarTrack(v, track);
+        chart.setVarVisible(v, true);
+        chart.addXYArray(v, test::makeArray({{1.0, lo}, {2.0, hi}}));
     }
+    // Hidden with data of its own: neither scaled nor counted.
+    chart.setVarTrack(11, 0);
+    chart.addXYArray(11, test::makeArray({{1.0, -100.0}, {2.0, 100.0}}));
     autoScaleY(chart);
     for (const auto& [v, lo, hi] : c.varRanges) {
-        SCOPED_TRACE("variable " + std::to_string(v));
-        EXPECT_EQ(chart.variable(v).yMin, lo);
-        EXPECT_EQ(chart.variable(v).yMax, hi);
+        EXPECT_EQ(std::pair(chart.variable(v).yMin, chart.variable(v).yMax), std::pair(lo, hi))
+            << "variable " << v;
     }
-    for (const auto& [t, lo, hi] : c.trackRanges) {
-        SCOPED_TRACE("track " + std::to_string(t));
-        EXPECT_EQ(chart.track(t).yMin, lo);
-        EXPECT_EQ(chart.track(t).yMax, hi);
-    }
+    for (const auto& [t, lo, hi] : c.trackRanges)
+        EXPECT_EQ(std::pair(chart.track(t).yMin, chart.track(t).yMax), std::pair(lo, hi))
+            << "track " << t;
     EXPECT_EQ(chart.currentVar(), 12);
     EXPECT_EQ(chart.currentTrack(), chart.variable(12).track);
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, AutoScaleY, testing::ValuesIn(autoScaleCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Rows, AutoScaleY,
+    testing::Values(AutoScaleCase{"OneVisibleVariableGetsItsOwnRange",
+                                  1,
+                                  {{0, 0, -3, 7}},
+                                  {{0, -3, 7}, {11, 0, 100}},
+                                  {{0, -3, 7}}},
+                    AutoScaleCase{"LaterVariablesOfATrackGetTheRunningRange",
+                                  2,
+                                  {{0, 0, 10, 20}, {1, 0, 5, 15}, {2, 0, 12, 30}, {3, 1, 1, 2}},
+                                  {{0, 10, 20}, {1, 5, 20}, {2, 5, 30}, {3, 1, 2}},
+                                  {{0, 5, 30}, {1, 1, 2}}},
+                    AutoScaleCase{"TheFirstUnshownTrackIsScaledToo",
+                                  2,
+                                  {{0, 0, 1, 2}, {5, 2, 40, 50}, {6, 2, 30, 45}},
+                                  {{5, 40, 50}, {6, 30, 50}},
+                                  {{2, 30, 50}}},
+                    AutoScaleCase{"TracksBeyondTheFirstUnshownAreLeftAlone",
+                                  2,
+                                  {{0, 0, 1, 2}, {7, 3, 40, 50}},
+                                  {{7, 0, 100}},
+                                  {{3, 0, 100}}}),
+    rowName);
 
 } // namespace
 } // namespace trendax::navigation

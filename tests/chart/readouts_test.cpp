@@ -6,13 +6,18 @@ namespace trendax::readouts {
 namespace {
 
 TEST(ValueText, FollowsTheTwoDecimalPattern) {
-    EXPECT_EQ(formatValue(0), QStringLiteral("0.00"));
-    EXPECT_EQ(formatValue(12.345), QStringLiteral("12.35"));
-    EXPECT_EQ(formatValue(-1.004), QStringLiteral("-1.00"));
-    EXPECT_EQ(formatValue(-0.001), QStringLiteral("0.00"));
-    EXPECT_EQ(formatValue(0.5), QStringLiteral("0.50"));
-    EXPECT_EQ(formatValue(1234567.891), QStringLiteral("1234567.89"));
-    EXPECT_EQ(formatValue(19.996), QStringLiteral("20.00"));
+    const std::pair<double, const char*> rows[] = {{0, "0.00"},
+                                                   {0.004, "0.00"},
+                                                   {0.5, "0.50"},
+                                                   {12.345, "12.35"},
+                                                   {19.996, "20.00"},
+                                                   {1234.5678, "1234.57"},
+                                                   {1234567.891, "1234567.89"},
+                                                   {-1.004, "-1.00"},
+                                                   {-1234.5678, "-1234.57"},
+                                                   {-0.001, "0.00"}};
+    for (const auto& [value, text] : rows)
+        EXPECT_EQ(formatValue(value), QString::fromLatin1(text)) << value;
 }
 
 } // namespace

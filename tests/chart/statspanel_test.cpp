@@ -9,16 +9,23 @@
 namespace trendax {
 namespace {
 
-TEST(StatsPanel, StartsWithEightRowsShownAndEveryReadoutZero) {
+// The seven read-outs of a row, left to right.
+QStringList readouts(const StatsRow& row) {
+    QStringList texts;
+    for (const QLabel* l : {row.lblCursorValue, row.lblMinDisp, row.lblAvgDisp, row.lblMaxDisp,
+                            row.lblMin, row.lblAvg, row.lblMax})
+        texts << l->text();
+    return texts;
+}
+
+TEST(StatsPanel, StartsWithEightRowsCheckedAndEveryReadoutZero) {
     StatsPanel panel(96);
     for (int i = 0; i < StatsPanel::rowCount; ++i) {
         SCOPED_TRACE(i);
         const StatsRow& row = panel.rows[size_t(i)];
         EXPECT_EQ(row.chkChannelVisible->isChecked(), i < 8);
         EXPECT_EQ(row.lblVar->toolTip(), QStringLiteral("Click to change color."));
-        for (const QLabel* readout : {row.lblCursorValue, row.lblMinDisp, row.lblAvgDisp,
-                                      row.lblMaxDisp, row.lblMin, row.lblAvg, row.lblMax})
-            EXPECT_EQ(readout->text(), QStringLiteral("0"));
+        EXPECT_EQ(readouts(row), QStringList(7, "0"));
     }
 }
 
@@ -33,14 +40,11 @@ TEST(StatsPanel, ReportsNameClicksAndVisibilityChangesByRow) {
         QTest::mouseClick(panel.rows[size_t(i)].lblVar, Qt::LeftButton);
         ASSERT_EQ(names.size(), 1);
         EXPECT_EQ(names.takeFirst().at(0).toInt(), i);
-
         QCheckBox* box = panel.rows[size_t(i)].chkChannelVisible;
         const bool before = box->isChecked();
         box->setChecked(!before); // a change by the program reports too
         ASSERT_EQ(boxes.size(), 1);
-        const QList<QVariant> args = boxes.takeFirst();
-        EXPECT_EQ(args.at(0).toInt(), i);
-        EXPECT_EQ(args.at(1).toBool(), !before);
+        EXPECT_EQ(boxes.takeFirst(), (QList<QVariant>{i, !before}));
     }
     QTest::mouseClick(panel.rows[3].lblCursorValue, Qt::LeftButton);
     EXPECT_TRUE(names.isEmpty());
@@ -49,15 +53,9 @@ TEST(StatsPanel, ReportsNameClicksAndVisibilityChangesByRow) {
 TEST(StatsPanel, ShowsEachStatisticInItsColumn) {
     StatsPanel panel(96);
     panel.showStatistics(2, {1.234, -2, 3, 4, 5.005, 6, 1234.5678});
-    const StatsRow& row = panel.rows[2];
-    EXPECT_EQ(row.lblCursorValue->text(), QStringLiteral("1.23"));
-    EXPECT_EQ(row.lblMinDisp->text(), QStringLiteral("-2.00"));
-    EXPECT_EQ(row.lblAvgDisp->text(), QStringLiteral("3.00"));
-    EXPECT_EQ(row.lblMaxDisp->text(), QStringLiteral("4.00"));
-    EXPECT_EQ(row.lblMin->text(), QStringLiteral("5.01"));
-    EXPECT_EQ(row.lblAvg->text(), QStringLiteral("6.00"));
-    EXPECT_EQ(row.lblMax->text(), QStringLiteral("1234.57"));
-    EXPECT_EQ(panel.rows[1].lblMax->text(), QStringLiteral("0"));
+    EXPECT_EQ(readouts(panel.rows[2]),
+              (QStringList{"1.23", "-2.00", "3.00", "4.00", "5.01", "6.00", "1234.57"}));
+    EXPECT_EQ(readouts(panel.rows[1]), QStringList(7, "0"));
 }
 
 } // namespace

@@ -8,10 +8,11 @@
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QImage>
-#include <QPaintEngine>
 #include <QPainter>
 #include <QPrinter>
+#include <QProcess>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTest>
@@ -27,16 +28,13 @@ using test::makeArray;
 constexpr PackedColor red = 0x0000FF;
 constexpr PackedColor green = 0x00FF00;
 
-QRgb rgbOf(PackedColor c) {
-    return qRgb(int(c & 0xFF), int((c >> 8) & 0xFF), int(c >> 16));
-}
-
 int countPixels(const QImage& image, const QRect& area, PackedColor color) {
+    const QRgb rgb = qRgb(int(color & 0xFF), int((color >> 8) & 0xFF), int(color >> 16));
     int n = 0;
     const QRect r = area.intersected(image.rect());
     for (int y = r.top(); y <= r.bottom(); ++y)
         for (int x = r.left(); x <= r.right(); ++x)
-            n += (image.pixel(x, y) & 0xFFFFFF) == (rgbOf(color) & 0xFFFFFF);
+            n += (image.pixel(x, y) & 0xFFFFFF) == (rgb & 0xFFFFFF);
     return n;
 }
 
@@ -54,57 +52,38 @@ protected:
     StripChart chart;
 };
 
-// ---- Mouse ----
+// ---- Mouse and selectors ----
 
 TEST_F(StripChartWidget, LeftClickInThePlotMovesTheCursorToTheTimeUnderThePointer) {
     QSignalSpy cursor(&chart, &StripChart::CursorChange);
     QSignalSpy down(&chart, &StripChart::ChartMouseDown);
+    chart.setCursorX(45000.75); // from the program: no event
+    EXPECT_EQ(cursor.count(), 0);
     const QRectF plot = chart.plotArea();
     ASSERT_TRUE(chart.rect().contains(plot.toRect()));
     const QPoint at(int(plot.left() + plot.width() / 4.0), int(plot.center().y()));
     QTest::mouseClick(&chart, Qt::LeftButton, Qt::NoModifier, at);
-
     ASSERT_EQ(cursor.count(), 1);
     const double t = cursor.at(0).at(0).toDouble();
-    const double expected = 45000.0 + (at.x() - plot.left()) / plot.width();
-    EXPECT_NEAR(t, expected, 1.0 / plot.width()) << "within one pixel";
-    EXPECT_NEAR(t, 45000.25, 2.0 / plot.width());
+    EXPECT_NEAR(t, 45000.25, 2.0 / plot.width()) << "within a pixel or two";
     EXPECT_EQ(chart.CursorX(), t);
     ASSERT_EQ(down.count(), 1);
-    EXPECT_EQ(down.at(0).at(0).toInt(), 1);
-    EXPECT_EQ(down.at(0).at(2).toDouble(), at.x());
-    EXPECT_EQ(down.at(0).at(3).toDouble(), at.y());
+    EXPECT_EQ(down.at(0), (QList<QVariant>{1, 0, double(at.x()), double(at.y())}));
 }
 
-TEST_F(StripChartWidget, RightClickReportsButtonTwoAndLeavesTheCursor) {
+TEST_F(StripChartWidget, RightClickOrAClickOnTheAxisIsReportedButLeavesTheCursor) {
     chart.setCursorX(45000.1);
     QSignalSpy cursor(&chart, &StripChart::CursorChange);
     QSignalSpy down(&chart, &StripChart::ChartMouseDown);
-    const QPoint at = chart.plotArea().center().toPoint();
-    QTest::mouseClick(&chart, Qt::RightButton, Qt::ShiftModifier | Qt::ControlModifier, at);
-    ASSERT_EQ(down.count(), 1);
-    EXPECT_EQ(down.at(0).at(0).toInt(), 2);
-    EXPECT_EQ(down.at(0).at(1).toInt(), 1 | 2);
+    const QPoint middle = chart.plotArea().center().toPoint();
+    QTest::mouseClick(&chart, Qt::RightButton, Qt::ShiftModifier | Qt::ControlModifier, middle);
+    QTest::mouseClick(&chart, Qt::LeftButton, Qt::AltModifier, QPoint(2, 2));
+    ASSERT_EQ(down.count(), 2);
+    EXPECT_EQ(std::pair(down.at(0).at(0).toInt(), down.at(0).at(1).toInt()), std::pair(2, 1 | 2));
+    EXPECT_EQ(std::pair(down.at(1).at(0).toInt(), down.at(1).at(1).toInt()), std::pair(1, 4));
     EXPECT_EQ(cursor.count(), 0);
     EXPECT_EQ(chart.CursorX(), 45000.1);
 }
-
-TEST_F(StripChartWidget, LeftClickOnTheAxisIsReportedButMovesNothing) {
-    QSignalSpy cursor(&chart, &StripChart::CursorChange);
-    QSignalSpy down(&chart, &StripChart::ChartMouseDown);
-    QTest::mouseClick(&chart, Qt::LeftButton, Qt::NoModifier, QPoint(2, 2));
-    EXPECT_EQ(down.count(), 1);
-    EXPECT_EQ(cursor.count(), 0);
-}
-
-TEST_F(StripChartWidget, SettingTheCursorFromTheProgramRaisesNoEvent) {
-    QSignalSpy cursor(&chart, &StripChart::CursorChange);
-    chart.setCursorX(45000.75);
-    EXPECT_EQ(cursor.count(), 0);
-    EXPECT_EQ(chart.CursorX(), 45000.75);
-}
-
-// ---- Selectors ----
 
 TEST_F(StripChartWidget, PropertiesActOnTheSelectedSlot) {
     chart.setCurrentVar(5);
@@ -120,19 +99,6 @@ TEST_F(StripChartWidget, PropertiesActOnTheSelectedSlot) {
     EXPECT_EQ(chart.model().track(4).yMax, 250.0);
     EXPECT_THROW(chart.AddXYArray(0, nullptr), ChartError);
     EXPECT_EQ(chart.model().pointCount(0), 4u);
-}
-
-TEST_F(StripChartWidget, HiddenVariableStatisticsAreStillAnswered) {
-    chart.setCurrentVar(0);
-    chart.setVarVisible(false);
-    chart.setCursorX(45000.26);
-    EXPECT_EQ(chart.CursorValue(0), 90.0);
-    EXPECT_EQ(chart.DataMax(0), 90.0);
-    EXPECT_EQ(chart.DataMin(0), 10.0);
-    EXPECT_EQ(chart.DataAvg(0), 42.5);
-    chart.ShowXRange(45000.25, 45000.5);
-    EXPECT_EQ(chart.ViewMin(0), 50.0);
-    EXPECT_EQ(chart.ViewAvg(0), 70.0);
 }
 
 // ---- Drawing ----
@@ -159,8 +125,7 @@ TEST_F(StripChartWidget, CurvesAreDrawnInTheirBandOnlyWhileTheTrackIsShown) {
     EXPECT_GT(countPixels(shown, bottom, 0xE0E0E0), 1000);
 
     chart.setTrackCount(1); // the curve's track is no longer shown
-    QImage hidden = chart.grab().toImage();
-    EXPECT_EQ(countPixels(hidden, chart.plotArea().toRect(), red), 0);
+    EXPECT_EQ(countPixels(chart.grab().toImage(), chart.plotArea().toRect(), red), 0);
     chart.setTrackCount(2);
     EXPECT_GT(countPixels(chart.grab().toImage(), bottom, red), 100);
 }
@@ -171,8 +136,19 @@ TEST_F(StripChartWidget, MarkersAddToTheLine) {
     const QRect plot = chart.plotArea().toRect();
     const int lineOnly = countPixels(chart.grab().toImage(), plot, red);
     chart.setVarSymbol(9); // filled squares
-    const int withMarkers = countPixels(chart.grab().toImage(), plot, red);
-    EXPECT_GT(withMarkers, lineOnly + 3 * 20);
+    EXPECT_GT(countPixels(chart.grab().toImage(), plot, red), lineOnly + 3 * 20);
+}
+
+TEST_F(StripChartWidget, CaptionIsOnlyDrawnWhenSet) {
+    const QImage without = chart.grab().toImage();
+    chart.setCaption("Site: AB12");
+    const QImage with = chart.grab().toImage();
+    // Above the plot once the caption has made room for itself; the curve there is red, the
+    // frame grey, so black pixels are text.
+    const QRectF plot = chart.plotArea();
+    const QRect strip(int(plot.left()) + 2, 0, int(plot.width()) - 4, int(plot.top()) - 4);
+    EXPECT_EQ(countPixels(without, strip, 0), 0);
+    EXPECT_GT(countPixels(with, strip, 0), 20);
 }
 
 // Views and cursors far from each other, and points that are not numbers, map to pixels far
@@ -241,90 +217,9 @@ INSTANTIATE_TEST_SUITE_P(
                     true}),
     [](const testing::TestParamInfo<ExtremeView>& info) { return info.param.name; });
 
-// Records every text a painter draws, with where it lands on the device.
-class TextRecorder : public QPaintDevice {
-public:
-    struct Item {
-        QString text;
-        QPointF at;
-    };
-    std::vector<Item> items;
+// ---- Printing ----
 
-    QPaintEngine* paintEngine() const override { return &engine_; }
-
-protected:
-    int metric(PaintDeviceMetric m) const override {
-        switch (m) {
-        case PdmWidth:
-            return 1100;
-        case PdmHeight:
-            return 850;
-        case PdmWidthMM:
-            return 279;
-        case PdmHeightMM:
-            return 216;
-        case PdmDpiX:
-        case PdmDpiY:
-        case PdmPhysicalDpiX:
-        case PdmPhysicalDpiY:
-            return 100;
-        case PdmDepth:
-            return 32;
-        case PdmNumColors:
-            return 1 << 24;
-        case PdmDevicePixelRatio:
-            return 1;
-        case PdmDevicePixelRatioScaled:
-            return int(devicePixelRatioFScale());
-        }
-        return 0;
-    }
-
-private:
-    class Engine : public QPaintEngine {
-    public:
-        explicit Engine(TextRecorder* owner) : QPaintEngine(AllFeatures), owner_(owner) {}
-        bool begin(QPaintDevice*) override { return true; }
-        bool end() override { return true; }
-        void updateState(const QPaintEngineState& state) override {
-            if (state.state() & DirtyTransform)
-                transform_ = state.transform();
-        }
-        void drawPixmap(const QRectF&, const QPixmap&, const QRectF&) override {}
-        void drawPolygon(const QPointF*, int, PolygonDrawMode) override {}
-        void drawPath(const QPainterPath&) override {}
-        void drawTextItem(const QPointF& p, const QTextItem& item) override {
-            owner_->items.push_back({item.text(), transform_.map(p)});
-        }
-        Type type() const override { return User; }
-
-    private:
-        TextRecorder* owner_;
-        QTransform transform_;
-    };
-    mutable Engine engine_{this};
-};
-
-TEST_F(StripChartWidget, PrintedChartCarriesTheCaptionInsideItsRectangle) {
-    chart.setCaption("Site: AB12");
-    TextRecorder page;
-    {
-        QPainter p(&page);
-        chart.PrintChart(p, 100.0, 1.5, 1.5, 8.0, 4.5);
-    }
-    const QRectF rectangle(150.0, 150.0, 800.0, 450.0);
-    bool found = false;
-    bool axisLabels = false;
-    for (const auto& item : page.items) {
-        EXPECT_TRUE(rectangle.contains(item.at)) << item.text.toStdString();
-        found = found || item.text == "Site: AB12";
-        axisLabels = axisLabels || item.text.contains("3/15/2023");
-    }
-    EXPECT_TRUE(found);
-    EXPECT_TRUE(axisLabels) << "the time axis is printed too";
-}
-
-TEST_F(StripChartWidget, PrintingOntoAPdfPrinterWritesThePage) {
+TEST_F(StripChartWidget, PrintedPageHoldsTheCaptionAndTheAxisInsideTheRectangle) {
     test::ScratchFolder folder;
     const QString path = folder.file("chart.pdf");
     chart.setCaption("Site: AB12");
@@ -338,21 +233,26 @@ TEST_F(StripChartWidget, PrintingOntoAPdfPrinterWritesThePage) {
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray bytes = file.readAll();
-    EXPECT_TRUE(bytes.startsWith("%PDF"));
     EXPECT_TRUE(bytes.contains("/FontFile")) << "text was drawn with an embedded font";
     EXPECT_TRUE(bytes.contains("/Count 1"));
-}
 
-TEST_F(StripChartWidget, CaptionIsOnlyDrawnWhenSet) {
-    const QImage without = chart.grab().toImage();
-    chart.setCaption("Site: AB12");
-    const QImage with = chart.grab().toImage();
-    // Above the plot once the caption has made room for itself; the curve there is red, the
-    // frame grey, so black pixels are text.
-    const QRectF plot = chart.plotArea();
-    const QRect strip(int(plot.left()) + 2, 0, int(plot.width()) - 4, int(plot.top()) - 4);
-    EXPECT_EQ(countPixels(without, strip, 0), 0);
-    EXPECT_GT(countPixels(with, strip, 0), 20);
+    // Every word, in points from the paper's corner, lies inside the rectangle asked for.
+    QProcess text;
+    text.start(QStringLiteral("pdftotext"), {QStringLiteral("-bbox"), path, QStringLiteral("-")});
+    ASSERT_TRUE(text.waitForFinished(30000));
+    const QString boxes = QString::fromUtf8(text.readAllStandardOutput());
+    static const QRegularExpression word(
+        R"re(<word xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)" yMax="([\d.]+)">([^<]*)<)re");
+    const QRectF rectangle = QRectF(1.5 * 72, 1.5 * 72, 8.0 * 72, 4.5 * 72).adjusted(-1, -1, 1, 1);
+    QStringList words;
+    for (const QRegularExpressionMatch& m : word.globalMatch(boxes)) {
+        words << m.captured(5);
+        const QRectF box(QPointF(m.captured(1).toDouble(), m.captured(2).toDouble()),
+                         QPointF(m.captured(3).toDouble(), m.captured(4).toDouble()));
+        EXPECT_TRUE(rectangle.contains(box)) << m.captured(5).toStdString();
+    }
+    EXPECT_TRUE(words.join(' ').contains("Site: AB12"));
+    EXPECT_TRUE(words.contains("3/15/2023")) << "the time axis is printed too";
 }
 
 // ---- Settings dialog ----
@@ -371,10 +271,8 @@ TEST(ChartSettingsDialog, EditsAndReturnsTheSettings) {
     dialog.setBackColor(0x102030);
     dialog.buttons()->button(QDialogButtonBox::Ok)->click();
     EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    const ChartSettings edited = dialog.settings();
-    EXPECT_FALSE(edited.appearance.gridLines);
-    EXPECT_EQ(edited.appearance.lineWidth, 3);
-    EXPECT_EQ(edited.backColor, 0x102030u);
+    const ChartSettings edited{{false, 3}, 0x102030};
+    EXPECT_EQ(dialog.settings(), edited);
 
     StripChart chart;
     chart.applySettings(edited);
