@@ -1,8 +1,8 @@
 #include "calibration/factorfiles.h"
-#include "loading/datalog.h"
 #include "support/fulldisk.h"
 #include "support/scratchfolder.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <gtest/gtest.h>
@@ -19,59 +19,40 @@ protected:
     double offset() { return ReadOffset(app.path(), "AB12", offsetPath); }
 };
 
-TEST_F(FactorFiles, WithoutFilesTheSiteIsUncalibratedAndThePathsAreSet) {
-    EXPECT_EQ(scale(), 1.0);
-    EXPECT_EQ(offset(), 0.0);
+TEST_F(FactorFiles, TheFirstLineIsReadAndAnythingElseGivesTheDefault) {
+    const struct {
+        const char* name;
+        std::optional<QByteArray> bytes; // nullopt: no file
+        std::optional<double> value;     // nullopt: scale 1, offset 0
+    } rows[] = {
+        {"no file", std::nullopt, std::nullopt},    {"second line ignored", "2.5\r\n9\r\n", 2.5},
+        {"blanks around", "  -1.25  \n", -1.25},    {"exponent", "1e3", 1000.0},
+        {"zero is a scale", "0\r\n", 0.0},          {"empty", "", std::nullopt},
+        {"text", "abc\r\n", std::nullopt},          {"empty first line", "\r\n2\r\n", std::nullopt},
+        {"decimal comma", "1,5\r\n", std::nullopt}, {"NUL", QByteArray("2\0", 2), std::nullopt}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        for (const char* name : {"cnffiles/AB12scal.txt", "cnffiles/AB12offs.txt"}) {
+            QFile::remove(app.file(name));
+            if (row.bytes)
+                app.write(name, *row.bytes);
+        }
+        EXPECT_EQ(scale(), row.value.value_or(1.0));
+        EXPECT_EQ(offset(), row.value.value_or(0.0));
+    }
     EXPECT_EQ(scalePath, app.path() + "/cnffiles/AB12scal.txt");
     EXPECT_EQ(offsetPath, app.path() + "/cnffiles/AB12offs.txt");
 }
 
-TEST_F(FactorFiles, OnlyTheFirstLineCounts) {
-    app.write("cnffiles/AB12scal.txt", "2.5\r\n9\r\n");
-    app.write("cnffiles/AB12offs.txt", "  -1.25  \n");
-    EXPECT_EQ(scale(), 2.5);
-    EXPECT_EQ(offset(), -1.25);
-}
-
-TEST_F(FactorFiles, UnreadableFactorsFallBackToTheDefaults) {
-    app.write("cnffiles/AB12scal.txt", "");
-    EXPECT_EQ(scale(), 1.0);
-    app.write("cnffiles/AB12scal.txt", "abc\r\n");
-    EXPECT_EQ(scale(), 1.0);
-    app.write("cnffiles/AB12scal.txt", "\r\n2\r\n");
-    EXPECT_EQ(scale(), 1.0);
-    app.write("cnffiles/AB12offs.txt", "abc\r\n");
-    EXPECT_EQ(offset(), 0.0);
-    app.write("cnffiles/AB12scal.txt", "1,5\r\n");
-    EXPECT_EQ(scale(), 1.0);
-}
-
-TEST_F(FactorFiles, ZeroIsAScaleAndImportedUpperCaseNamesAreRead) {
+TEST_F(FactorFiles, ImportedUpperCaseNamesAreReadAndReplaced) {
     app.write("cnffiles/AB12SCAL.TXT", "0\r\n");
     app.write("cnffiles/AB12OFFS.TXT", "3\r\n");
     EXPECT_EQ(scale(), 0.0);
     EXPECT_EQ(offset(), 3.0);
-}
-
-TEST_F(FactorFiles, TheWriterReplacesBothFilesWhateverTheirCase) {
-    app.write("cnffiles/AB12SCAL.TXT", "0\r\n");
-    scale();
-    offset();
     ASSERT_TRUE(WriteFactors(scalePath, "2", offsetPath, "-1"));
     EXPECT_EQ(app.read("cnffiles/AB12SCAL.TXT"), QByteArray("2\r\n"));
-    EXPECT_FALSE(QFile::exists(app.file("cnffiles/AB12scal.txt")));
-    EXPECT_EQ(app.read("cnffiles/AB12offs.txt"), QByteArray("-1\r\n"));
-    EXPECT_EQ(scale(), 2.0);
-    EXPECT_EQ(offset(), -1.0);
-}
-
-TEST_F(FactorFiles, AFailedScaleFileStopsTheWriterBeforeTheOffsetFile) {
-    app.write("cnffiles/AB12offs.txt", "7\r\n");
-    offset();
-    EXPECT_FALSE(WriteFactors(app.file("missing/AB12scal.txt"), "2", offsetPath, "-1"));
-    EXPECT_EQ(app.read("cnffiles/AB12offs.txt"), QByteArray("7\r\n"));
-    // Before any site was loaded both paths are empty.
-    EXPECT_FALSE(WriteFactors(QString(), "1", QString(), "0"));
+    EXPECT_EQ(app.read("cnffiles/AB12OFFS.TXT"), QByteArray("-1\r\n"));
+    EXPECT_EQ(QDir(app.file("cnffiles")).entryList(QDir::Files).size(), 2);
 }
 
 TEST_F(FactorFiles, FullDiskKeepsOldScaleFile) {
@@ -98,31 +79,6 @@ TEST_F(FactorFiles, SymlinkedScaleFileIsReplacedNotWrittenThrough) {
     EXPECT_EQ(app.read("elsewhere/target.txt"), QByteArray("keep\r\n"));
     EXPECT_FALSE(QFileInfo(app.file("cnffiles/AB12scal.txt")).isSymLink());
     EXPECT_EQ(app.read("cnffiles/AB12scal.txt"), QByteArray("3\r\n"));
-}
-
-TEST_F(FactorFiles, AOneChannelLogIsShownCalibrated) {
-    app.write("cnffiles/AB12scal.txt", "2\r\n");
-    app.write("cnffiles/AB12offs.txt", "-1\r\n");
-    LoadState state;
-    state.mOffset = offset();
-    state.mScale = scale();
-    const DataLogResult r = parseDataLog("AB12,03/15/12,00:00:01.00,10\r\n", state);
-    EXPECT_EQ(r.channels[0]->y(0), 19.0);
-
-    // Reset writes "1" and "0", and the next load shows raw values.
-    ASSERT_TRUE(WriteFactors(scalePath, "1", offsetPath, "0"));
-    LoadState again;
-    again.mOffset = offset();
-    again.mScale = scale();
-    EXPECT_EQ(parseDataLog("AB12,03/15/12,00:00:01.00,10\r\n", again).channels[0]->y(0), 10.0);
-}
-
-TEST(FactorBytes, ReadTheFirstLineOnly) {
-    EXPECT_EQ(factorFromBytes("2.5\r\n9"), 2.5);
-    EXPECT_EQ(factorFromBytes("1e3"), 1000.0);
-    EXPECT_FALSE(factorFromBytes(""));
-    EXPECT_FALSE(factorFromBytes("\n2"));
-    EXPECT_FALSE(factorFromBytes(QByteArray("2\0", 2)));
 }
 
 } // namespace
