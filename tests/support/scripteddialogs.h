@@ -2,6 +2,7 @@
 
 #include "storage/dialogs.h"
 
+#include <QPrinter>
 #include <QStringList>
 #include <deque>
 
@@ -11,14 +12,30 @@ namespace trendax::test {
 // with no queued answer gets the cancel-like default instead of blocking.
 class ScriptedDialogs : public Dialogs {
 public:
-    QMessageBox::StandardButton message(QWidget* parent, const QString& text, const QString& title,
+    QMessageBox::StandardButton message(QWidget*, const QString& text, const QString& title,
                                         QMessageBox::StandardButtons buttons,
-                                        QMessageBox::Icon icon) override;
-    QString input(QWidget* parent, const QString& prompt, const QString& title,
-                  const QString& defaultText) override;
-    std::optional<QColor> chooseColor(QWidget* parent, const QColor& initial,
-                                      const QString& title) override;
-    bool choosePrinter(QWidget* parent, QPrinter& printer) override;
+                                        QMessageBox::Icon) override {
+        messages.push_back({text, title, buttons});
+        return take(messageAnswers,
+                    buttons.testFlag(QMessageBox::Ok) ? QMessageBox::Ok : QMessageBox::No);
+    }
+    QString input(QWidget*, const QString& prompt, const QString&, const QString&) override {
+        inputPrompts << prompt;
+        return take(inputAnswers, QString());
+    }
+    std::optional<QColor> chooseColor(QWidget*, const QColor&, const QString& title) override {
+        colorTitles << title;
+        return take(colorAnswers, std::optional<QColor>());
+    }
+    bool choosePrinter(QWidget*, QPrinter& printer) override {
+        ++printDialogs;
+        const QString pdf = take(printerAnswers, QString());
+        if (!pdf.isEmpty()) {
+            printer.setOutputFormat(QPrinter::PdfFormat);
+            printer.setOutputFileName(pdf);
+        }
+        return !pdf.isEmpty();
+    }
 
     struct Message {
         QString text;
@@ -36,6 +53,16 @@ public:
     QStringList inputPrompts;
     QStringList colorTitles;
     int printDialogs = 0;
+
+private:
+    // The next queued answer, or fallback when none is left.
+    template <typename T> static T take(std::deque<T>& queue, T fallback) {
+        if (queue.empty())
+            return fallback;
+        T front = std::move(queue.front());
+        queue.pop_front();
+        return front;
+    }
 };
 
 } // namespace trendax::test

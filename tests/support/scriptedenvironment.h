@@ -17,9 +17,17 @@ public:
     datetime::DateTime now() const override { return now_; }
     QString userName() const override { return userName_; }
     QString readSetting(const QString& section, const QString& key,
-                        const QString& defaultValue) const override;
-    bool writeSetting(const QString& section, const QString& key, const QString& value) override;
-    bool openFolder(const QString& path) override;
+                        const QString& defaultValue) const override {
+        return settings.value(section + '/' + key, defaultValue);
+    }
+    bool writeSetting(const QString& section, const QString& key, const QString& value) override {
+        settings.insert(section + '/' + key, value);
+        return true;
+    }
+    bool openFolder(const QString& path) override {
+        openedFolders << path;
+        return openFolderSucceeds_;
+    }
 
     void setNow(datetime::DateTime t) { now_ = t; }
     void setUserName(QString name) { userName_ = std::move(name); }
