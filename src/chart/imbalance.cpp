@@ -106,12 +106,13 @@ std::optional<Peak> windowPeak(const StripChartModel& model, int a, int b, int c
     return aligned ? alignedPeak(model, k, finder) : separatePeak(model, k, finder);
 }
 
-std::optional<std::array<int, 3>> phaseVariables(const StripChartModel& model) {
-    static const char* const names[3] = {"Phase A", "Phase B", "Phase C"};
+std::optional<std::array<int, 3>> phaseVariables(const StripChartModel& model,
+                                                 const QStringList& names) {
+    static const char* const phases[3] = {"Phase A", "Phase B", "Phase C"};
     std::array<int, 3> found{-1, -1, -1};
     for (int k = 0; k < StripChartModel::variableCount; ++k) {
         for (int p = 0; p < 3; ++p) {
-            if (found[p] < 0 && model.variable(k).name == QLatin1String(names[p]) &&
+            if (found[p] < 0 && names.value(k) == QLatin1String(phases[p]) &&
                 model.pointCount(k) > 0)
                 found[p] = k;
         }
@@ -121,8 +122,8 @@ std::optional<std::array<int, 3>> phaseVariables(const StripChartModel& model) {
     return found;
 }
 
-std::optional<Reading> Monitor::read(const StripChartModel& model) {
-    const auto phases = phaseVariables(model);
+std::optional<Reading> Monitor::read(const StripChartModel& model, const QStringList& names) {
+    const auto phases = phaseVariables(model, names);
     if (!phases)
         return std::nullopt;
     if (*phases != phases_ || model.curveRevision() != revision_ || model.xViewStart() != start_ ||

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -28,9 +29,10 @@ struct Peak {
 // others at or before its time.
 std::optional<Peak> windowPeak(const StripChartModel& model, int a, int b, int c);
 
-// The variables named "Phase A", "Phase B" and "Phase C" (the layouts of 5- and 13-channel logs
-// name them so), each holding points; nullopt for any other layout.
-std::optional<std::array<int, 3>> phaseVariables(const StripChartModel& model);
+// The variables whose channel names (as the statistics panel shows them, by variable) are
+// "Phase A", "Phase B" and "Phase C", each holding points; nullopt for any other layout.
+std::optional<std::array<int, 3>> phaseVariables(const StripChartModel& model,
+                                                 const QStringList& names);
 
 struct Reading {
     std::optional<double> atCursor;
@@ -42,7 +44,7 @@ struct Reading {
 class Monitor {
 public:
     // nullopt when the chart holds no three phases.
-    std::optional<Reading> read(const StripChartModel& model);
+    std::optional<Reading> read(const StripChartModel& model, const QStringList& names);
 
 private:
     std::array<int, 3> phases_{};

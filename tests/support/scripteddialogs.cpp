@@ -46,4 +46,10 @@ bool ScriptedDialogs::choosePrinter(QWidget*, QPrinter& printer) {
     return true;
 }
 
+QString ScriptedDialogs::chooseSaveFile(QWidget*, const QString& title, const QString&,
+                                        const QStringList&) {
+    saveTitles << title;
+    return take(saveAnswers).value_or(QString());
+}
+
 } // namespace trendax::test

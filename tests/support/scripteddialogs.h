@@ -19,6 +19,8 @@ public:
     std::optional<QColor> chooseColor(QWidget* parent, const QColor& initial,
                                       const QString& title) override;
     bool choosePrinter(QWidget* parent, QPrinter& printer) override;
+    QString chooseSaveFile(QWidget* parent, const QString& title, const QString& suggested,
+                           const QStringList& filters) override;
 
     struct Message {
         QString text;
@@ -36,6 +38,9 @@ public:
     QStringList inputPrompts;
     QStringList colorTitles;
     int printDialogs = 0;
+    // Paths to answer save dialogs with; none cancels.
+    std::deque<QString> saveAnswers;
+    QStringList saveTitles;
 };
 
 } // namespace trendax::test
