@@ -6,7 +6,7 @@ BUILD_TEST := build/test
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 APP        := $(BUILD_RUN)/trendax2
 
-DEBIAN_PACKAGES := cmake make g++ pkg-config qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins \
+DEBIAN_PACKAGES := cmake make g++ pkg-config qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins qt6-svg-dev \
 	libgl-dev libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core fontconfig \
 	xdg-utils poppler-utils desktop-file-utils appstream
 # libFuzzer comes with clang's runtime; only `make fuzz` needs it.

@@ -1,11 +1,20 @@
 // Strip chart figures at the reference load: 13 variables x 2,592,000 points (a month of
 // one-second rows appended per day, all variables with the same time column). Repaints of the
 // full chart are compared with the same chart holding 13 x 4,000 points in the same run.
+#include "app/sitereport.h"
+#include "chart/chartexport.h"
+#include "chart/imbalance.h"
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
 
 #include <QApplication>
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QImage>
+#include <QPdfWriter>
+#include <algorithm>
 #include <benchmark/benchmark.h>
 #include <chrono>
 #include <cstdint>
@@ -217,6 +226,94 @@ BENCHMARK(BM_RepaintMonth_OneHour)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 BENCHMARK(BM_CurveReductionZoomAll)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_CursorMoveRepaint)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_StatisticsRefresh91)->Unit(benchmark::kMicrosecond);
+
+// ---- Export of the view ----
+
+const QString exportFolder = QDir::tempPath();
+
+// Writes the view with write, reporting the file's size in MB and how far the resident memory
+// grew past what it was before.
+template <class Write> void exportFile(benchmark::State& state, const QString& name, Write write) {
+    StripChart& chart = bigChart();
+    chart.ShowXRange(firstDay, firstDay + days);
+    const QString path = QDir(exportFolder).filePath(name);
+    const std::size_t before = residentBytes();
+    std::size_t peak = before;
+    for (auto _ : state) {
+        const QString failure = write(chart, path);
+        if (!failure.isEmpty())
+            state.SkipWithError(failure.toStdString().c_str());
+        peak = std::max(peak, residentBytes());
+    }
+    state.counters["file_MB"] = double(QFileInfo(path).size()) / 1e6;
+    state.counters["rss_growth_MB"] = double(peak - before) / 1e6;
+    QFile::remove(path);
+}
+
+const chartexport::Caption caption{"Site: RF13", "a month"};
+
+void BM_ExportCsvZoomAll(benchmark::State& state) {
+    std::vector<csvexport::Column> columns;
+    for (int k = 0; k < variables; ++k)
+        columns.push_back({k, QStringLiteral("Channel %1").arg(k + 1)});
+    exportFile(state, "trendax-bench.csv", [&columns](StripChart& chart, const QString& path) {
+        return chartexport::writeCsv(chart, columns, path);
+    });
+}
+
+void BM_ExportPdfZoomAll(benchmark::State& state) {
+    exportFile(state, "trendax-bench.pdf", [](StripChart& chart, const QString& path) {
+        return chartexport::writePdf(chart, caption, path);
+    });
+}
+
+void BM_ExportSvgZoomAll(benchmark::State& state) {
+    exportFile(state, "trendax-bench.svg", [](StripChart& chart, const QString& path) {
+        return chartexport::writeSvg(chart, caption, path);
+    });
+}
+
+// The site report of a one-day window with 2,000 history events in it, as a PDF in memory.
+void BM_SiteReportOneDay(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    chart.ShowXRange(firstDay + 3.0, firstDay + 4.0);
+    SiteReport report;
+    report.site = "RF13";
+    for (int k = 0; k < variables; ++k)
+        report.stats.push_back({QStringLiteral("Channel %1").arg(k + 1),
+                                {"1.00", "2.00", "3.00", "4.00", "5.00", "6.00", "7.00"}});
+    for (int i = 0; i < 2000; ++i)
+        report.events.emplace_back(QStringLiteral("10/04/26 %1:%2:00").arg(i / 60 % 24).arg(i % 60),
+                                   QStringLiteral("Underload  ") + QString::number(i));
+    int pages = 0;
+    for (auto _ : state) {
+        QBuffer out;
+        out.open(QIODevice::WriteOnly);
+        QPdfWriter pdf(&out);
+        pdf.setResolution(150);
+        printSiteReport(
+            pdf, report,
+            [&chart](QPainter& p, double dpi, const QRectF& rect) {
+                chartexport::paintChart(chart, caption, p, dpi, rect);
+            },
+            &pages);
+    }
+    state.counters["pages"] = pages;
+}
+
+// The status bar's peak imbalance over the zoom-all window of three phases.
+void BM_ImbalanceWindowZoomAll(benchmark::State& state) {
+    StripChartModel& m = bigChart().model();
+    m.showXRange(firstDay, firstDay + days);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(imbalance::windowPeak(m, 0, 1, 2));
+}
+
+BENCHMARK(BM_ExportCsvZoomAll)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(BM_ExportPdfZoomAll)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_ExportSvgZoomAll)->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK(BM_SiteReportOneDay)->Unit(benchmark::kMillisecond)->Iterations(2);
+BENCHMARK(BM_ImbalanceWindowZoomAll)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -96,6 +96,7 @@ Form1::Form1(Environment& env, Dialogs& dialogs, const QString& argumentText, QW
     ProgressBar1->setMaximumWidth(twipsToPixels(3000));
     ProgressBar1->setTextVisible(false);
     StatusBar1->addPermanentWidget(ProgressBar1);
+    buildExportMenu();
 
     // Initial colours and tracks, until saved colours are loaded.
     for (int v = 0; v < 13; ++v) {
@@ -381,6 +382,8 @@ void Form1::tmrUI_Timer() {
         ScrollTime(0);
     if (scrollRight)
         ScrollTime(1);
+    // A zoom or scroll changes the window's peak imbalance without refreshing the read-outs.
+    UpdateImbalance();
 }
 
 // ---- Printing ----
@@ -397,6 +400,7 @@ void Form1::PrintChartPage() {
         return;
     }
     Strip1->setCaption(QStringLiteral("Site: ") + SiteCode);
+    Strip1->setLegendNames(channelNames());
     Strip1->PrintChart(painter, printer.resolution(), 1.5, 1.5, 8.0, 4.5);
     if (!painter.end())
         return;
@@ -440,6 +444,7 @@ void Form1::UpdateStatistics() {
                                      Strip1->ViewMax(i), Strip1->DataMin(i), Strip1->DataAvg(i),
                                      Strip1->DataMax(i)});
     }
+    UpdateImbalance();
 }
 
 void Form1::setCursorText(double x) {

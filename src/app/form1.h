@@ -1,6 +1,9 @@
 #pragma once
 
+#include "app/sitereport.h"
 #include "chart/channellayouts.h"
+#include "chart/csvexport.h"
+#include "chart/imbalance.h"
 #include "chart/statspanel.h"
 #include "chart/xyarray.h"
 #include "history/historypanel.h"
@@ -14,6 +17,8 @@
 #include <array>
 #include <memory>
 
+class QDragEnterEvent;
+class QDropEvent;
 class QFrame;
 class QLabel;
 class QListWidget;
@@ -98,6 +103,12 @@ public:
     QAction* mnuQuillChannels = nullptr;
     std::array<QAction*, 8> mnuChannel{};
     QAction* mnuGraphSettings = nullptr;
+    // After the specified items of popup2: "Export View...", "Site Report...", "Copy Chart".
+    QAction* mnuExportView = nullptr;
+    QAction* mnuSiteReport = nullptr;
+    QAction* mnuCopyChart = nullptr;
+    // The status bar's current imbalance, shown only for loads with three phase currents.
+    QLabel* imbalancePanel = nullptr;
     // The site folder of the last selection, where the open dialog's folder list starts.
     QString lastSiteFolder;
 
@@ -137,7 +148,8 @@ public:
     bool eventsDue() const;
     void DebugOutBegin();
     void DebugOut(const QString& message);
-    void OpenSite();
+    // Opens the open dialog; dropped files and folders are imported in it first.
+    void OpenSite(const QStringList& dropped = {});
 
     // ---- Channel sets and layouts ----
     void ApplyLayout(layouts::Layout layout);
@@ -182,6 +194,20 @@ public:
     // pos: the pointer in gridHistoryEvents' own coordinates.
     void gridHistoryEvents_MouseMove(const QPoint& pos);
 
+    // ---- Export, report, clipboard, imbalance ----
+    void ExportView();
+    // Writes the view to path in the format its suffix names; the message for the user on
+    // failure, otherwise the empty text (also when the picture size prompt is cancelled).
+    QString exportViewTo(const QString& path);
+    // The channel names the statistics panel shows, by variable.
+    QStringList channelNames() const;
+    // The loaded channels, headed by their names in the statistics panel.
+    std::vector<csvexport::Column> exportColumns() const;
+    void PrintSiteReport();
+    SiteReport siteReport() const;
+    void CopyChart();
+    void UpdateImbalance();
+
     Environment& environment() { return env_; }
     Dialogs& dialogs() { return dialogs_; }
 
@@ -190,11 +216,14 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     void buildToolbar();
     void buildMenus();
     void buildBands();
+    void buildExportMenu();
     void showAbout();
     void setCursorText(double x);
     double logicalDpi() const;
@@ -219,6 +248,7 @@ private:
     history::CommentRowsCache commentRows_;
     // The cached rows the grid shows as they were read, or empty.
     QStringList shownCommentRows_;
+    imbalance::Monitor imbalance_;
 };
 
 } // namespace trendax

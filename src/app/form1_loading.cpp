@@ -122,10 +122,11 @@ void Form1::LetEventsRun(bool throttled) {
     eventPump_.start();
 }
 
-void Form1::OpenSite() {
+void Form1::OpenSite(const QStringList& dropped) {
     auto* dialog = new dlgOpen(environment(), dialogs(), this);
     if (!lastSiteFolder.isEmpty())
         dialog->setDir1Path(lastSiteFolder);
+    dialog->importWhenShown(dropped);
     dialog->exec();
     if (QTreeWidgetItem* site = dialog->SelectedSite) {
         lastSiteFolder = site->data(0, dlgOpen::TagRole).toString();

@@ -2,6 +2,7 @@
 
 #include "chart/chartmapping.h"
 #include "chart/chartsettingsdialog.h"
+#include "chart/legend.h"
 #include "chart/pixelpath.h"
 #include "chart/stripchartmodel.h"
 #include "chart/timeticks.h"
@@ -60,6 +61,7 @@ double yTickValue(const TrackSettings& t, int i) {
 
 struct StripChart::Impl {
     StripChartModel model;
+    QStringList legendNames;
     QPixmap layer;
     std::uint64_t layerRevision = 0;
     bool layerValid = false;
@@ -73,6 +75,7 @@ struct StripChart::Impl {
     void paintMarkers(QPainter& p, int style, const QColor& color, double scale);
     void paintAxes(QPainter& p, const Geometry& g) const;
     void paintCursor(QPainter& p, const Geometry& g) const;
+    void paintLegend(QPainter& p, const Geometry& g) const;
 };
 
 Geometry StripChart::Impl::geometry(const QRectF& area, double scale, const QFont& base) const {
@@ -276,6 +279,35 @@ void StripChart::Impl::paintAxes(QPainter& p, const Geometry& g) const {
         p.drawText(QRectF(x - w / 2.0, axisY + tickLength + 1.0 * g.scale, w, 2.0 * fm.height()),
                    Qt::AlignHCenter | Qt::AlignTop, tick.label);
     }
+}
+
+// On paper each track names its curves in their colours, at the track's top left corner, on a
+// white box so that the names stay readable over the curves.
+void StripChart::Impl::paintLegend(QPainter& p, const Geometry& g) const {
+    const auto tracks = legendByTrack(model, legendNames);
+    p.save();
+    p.setFont(g.axisFont);
+    const QFontMetricsF fm(g.axisFont);
+    const double pad = 3.0 * g.scale;
+    for (std::size_t t = 0; t < tracks.size() && t < g.bands.size(); ++t) {
+        if (tracks[t].empty())
+            continue;
+        const QRectF& band = g.bands[t];
+        double width = pad;
+        for (const LegendEntry& e : tracks[t])
+            width += fm.horizontalAdvance(e.name) + 2.0 * pad;
+        const QRectF box(band.left() + pad, band.top() + pad,
+                         std::min(width, band.width() - 2 * pad), fm.height() + pad);
+        p.setClipRect(band);
+        p.fillRect(box, QColor(255, 255, 255, 220));
+        double x = box.left() + pad;
+        for (const LegendEntry& e : tracks[t]) {
+            p.setPen(toQColor(e.color));
+            p.drawText(QPointF(x, box.top() + pad / 2 + fm.ascent()), e.name);
+            x += fm.horizontalAdvance(e.name) + 2.0 * pad;
+        }
+    }
+    p.restore();
 }
 
 void StripChart::Impl::paintCursor(QPainter& p, const Geometry& g) const {
@@ -574,6 +606,7 @@ void StripChart::PrintChart(QPainter& painter, double dpi, double left, double t
     painter.save();
     painter.setClipRect(area);
     d->paintBase(painter, g);
+    d->paintLegend(painter, g);
     d->paintCursor(painter, g);
     painter.restore();
 }
@@ -585,6 +618,10 @@ ChartSettings StripChart::settings() const {
 void StripChart::applySettings(const ChartSettings& settings) {
     d->model.setAppearance(settings.appearance);
     d->model.setBackColor(settings.backColor);
+}
+
+void StripChart::setLegendNames(const QStringList& names) {
+    d->legendNames = names;
 }
 
 void StripChart::ShowSettingsDialog() {

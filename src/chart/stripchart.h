@@ -5,6 +5,7 @@
 
 #include <QRectF>
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 #include <cstdint>
 #include <memory>
@@ -93,6 +94,9 @@ public:
     void PrintChart(QPainter& painter, double dpi, double left, double top, double width,
                     double height);
     void ShowSettingsDialog();
+    // The channel names a printed legend shows, by variable; where one is missing or empty the
+    // variable's name stands.
+    void setLegendNames(const QStringList& names);
     // The options the settings dialog edits, read and applied without opening it.
     ChartSettings settings() const;
     void applySettings(const ChartSettings& settings);

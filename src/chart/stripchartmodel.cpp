@@ -401,6 +401,35 @@ CurvePoint StripChartModel::point(int k, std::size_t i) const {
     return {s.x(s.begin + i), s.y[s.begin + i]};
 }
 
+std::pair<std::size_t, std::size_t> StripChartModel::visibleRange(int k) const {
+    checkVariable(k);
+    const Series& s = *series_[k];
+    if (s.count() == 0 || !s.ordered())
+        return {0, s.count()};
+    const std::size_t a = lowerIndex(s, s.begin, s.end, viewStart_);
+    const std::size_t b = upperIndex(s, a, s.end, viewEnd_);
+    return {a - s.begin, b - s.begin};
+}
+
+void StripChartModel::readPoints(int k, std::size_t first, std::size_t n, double* times,
+                                 double* values) const {
+    checkVariable(k);
+    const Series& s = *series_[k];
+    if (first > s.count() || n > s.count() - first)
+        throw ChartError("points " + std::to_string(first) + " to " + std::to_string(first + n) +
+                         " of variable " + std::to_string(k) + " do not exist");
+    if (n == 0)
+        return;
+    const std::size_t from = s.begin + first;
+    s.y.forEachRun(from, from + n, [&values](const double* run, std::size_t count) {
+        values = std::copy_n(run, count, values);
+    });
+    if (times)
+        s.time->x.forEachRun(from, from + n, [&times](const double* run, std::size_t count) {
+            times = std::copy_n(run, count, times);
+        });
+}
+
 bool StripChartModel::isTimeOrdered(int k) const {
     checkVariable(k);
     return series_[k]->ordered();

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace trendax {
@@ -135,6 +136,13 @@ public:
     std::size_t pointCount(int k) const;
     // The i-th point kept, in the order added.
     CurvePoint point(int k, std::size_t i) const;
+    // The positions [first, last) of variable k's points inside the visible window, edges
+    // included, for point() and readPoints(). A series whose times go back somewhere gives all of
+    // its positions; the caller then filters by time.
+    std::pair<std::size_t, std::size_t> visibleRange(int k) const;
+    // Copies the n points from position first on into times (unless null) and values; throws
+    // ChartError for positions that do not exist.
+    void readPoints(int k, std::size_t first, std::size_t n, double* times, double* values) const;
     // Whether the variable's times never decrease (the fast paths rely on it).
     bool isTimeOrdered(int k) const;
     // Whether two variables store one time column between them.

@@ -14,10 +14,14 @@
 #include <QCalendarWidget>
 #include <QComboBox>
 #include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
 #include <QFileSystemModel>
 #include <QHeaderView>
 #include <QLabel>
 #include <QListWidget>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -25,7 +29,9 @@
 #include <QTimer>
 #include <QTreeView>
 #include <QTreeWidget>
+#include <QUrl>
 #include <algorithm>
+#include <utility>
 
 namespace trendax {
 
@@ -91,6 +97,7 @@ dlgOpen::dlgOpen(Environment& environment, Dialogs& dialogs, QWidget* parent)
     : QDialog(parent), env_(environment), dialogs_(dialogs) {
     setWindowTitle(QStringLiteral("Open Site Data"));
     setModal(true);
+    setAcceptDrops(true);
     createControls();
     placeControls();
 
@@ -351,6 +358,52 @@ void dlgOpen::tv_NodeClick(QTreeWidgetItem* node) {
 // ---- Import ----
 
 void dlgOpen::cmdImport_Click() {
+    importFrom(dir1Path_, {});
+}
+
+void dlgOpen::importDropped(const QStringList& paths) {
+    for (const import::DropGroup& group : import::groupDropped(paths)) {
+        setDir1Path(group.folder);
+        importFrom(group.folder, group.only);
+    }
+}
+
+void dlgOpen::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (pendingDrop_.isEmpty())
+        return;
+    // After the dialog has painted, so that the question appears over it.
+    QTimer::singleShot(0, this, [this] {
+        const QStringList paths = std::exchange(pendingDrop_, {});
+        importDropped(paths);
+    });
+}
+
+void dlgOpen::dragEnterEvent(QDragEnterEvent* event) {
+    if (!droppedPaths(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void dlgOpen::dropEvent(QDropEvent* event) {
+    const QStringList paths = droppedPaths(event->mimeData());
+    if (paths.isEmpty())
+        return;
+    event->acceptProposedAction();
+    importDropped(paths);
+}
+
+QStringList droppedPaths(const QMimeData* data) {
+    QStringList paths;
+    if (!data || !data->hasUrls())
+        return paths;
+    for (const QUrl& url : data->urls()) {
+        if (url.isLocalFile() && QFileInfo::exists(url.toLocalFile()))
+            paths << QDir::cleanPath(url.toLocalFile());
+    }
+    return paths;
+}
+
+void dlgOpen::importFrom(const QString& folder, const QList<QByteArray>& only) {
     const bool deleteSources =
         dialogs_.message(this,
                          QStringLiteral("Delete the original log files after they are copied?"),
@@ -377,7 +430,7 @@ void dlgOpen::cmdImport_Click() {
     callbacks.message = [this](const QString& text) {
         dialogs_.message(this, text, programTitle(), QMessageBox::Ok, QMessageBox::Warning);
     };
-    import::run({dir1Path_, HomeFolderPath, ConfigFolderPath}, deleteSources, callbacks);
+    import::run({folder, HomeFolderPath, ConfigFolderPath, only}, deleteSources, callbacks);
 
     pb1->hide();
     const std::optional<QString> failure = BuildSiteTree();

@@ -4,6 +4,7 @@
 
 #include <QDialog>
 #include <QString>
+#include <QStringList>
 #include <QTreeWidgetItem>
 #include <array>
 #include <functional>
@@ -11,6 +12,10 @@
 
 class QCalendarWidget;
 class QComboBox;
+class QDragEnterEvent;
+class QDropEvent;
+class QMimeData;
+class QShowEvent;
 class QFileSystemModel;
 class QLabel;
 class QListWidget;
@@ -80,6 +85,13 @@ public:
     void CancelButton_Click();
     void tmrGUI_Timer() {}
 
+    // Imports what was dropped from the file manager as "Import to Home Folder >>" does, with
+    // its question and messages: a folder whole, files only themselves. Dir1 ends at the folder
+    // imported last, and the tree is rebuilt.
+    void importDropped(const QStringList& paths);
+    // importDropped(paths) as soon as the dialog is shown (a drop on the main window).
+    void importWhenShown(const QStringList& paths) { pendingDrop_ = paths; }
+
     // Closing the dialog in any way but OK leaves no site chosen.
     void reject() override;
 
@@ -106,7 +118,14 @@ public:
     QPushButton* CancelButton = nullptr;
     QTimer* tmrGUI = nullptr;
 
+protected:
+    void showEvent(QShowEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
 private:
+    // The import of cmdImport_Click from a folder, all of it or only the given files.
+    void importFrom(const QString& folder, const QList<QByteArray>& only);
     void createControls();
     void placeControls();
     void fillDriveList();
@@ -122,6 +141,11 @@ private:
     QString dir1Path_;
     QString rememberedDrive_;
     std::function<void()> showHomeFolder_;
+    QStringList pendingDrop_;
 };
+
+// The local files and folders of a drop from the file manager; none for anything else (a web
+// address, text).
+QStringList droppedPaths(const QMimeData* data);
 
 } // namespace trendax

@@ -5,7 +5,9 @@
 #include "storage/textfile.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
@@ -182,7 +184,10 @@ public:
         : folders_(folders), deleteSources_(deleteSources), callbacks_(callbacks) {}
 
     Outcome run() {
-        const std::vector<SourceFile> files = listSource(folders_.source);
+        std::vector<SourceFile> files = listSource(folders_.source);
+        if (!folders_.only.isEmpty())
+            std::erase_if(
+                files, [this](const SourceFile& f) { return !folders_.only.contains(f.native); });
         outcome_.listed = int(files.size());
         if (callbacks_.begin)
             callbacks_.begin(outcome_.listed);
@@ -295,6 +300,34 @@ private:
 };
 
 } // namespace
+
+std::vector<DropGroup> groupDropped(const QStringList& paths) {
+    std::vector<DropGroup> groups;
+    const auto find = [&groups](const QString& folder) -> DropGroup* {
+        for (DropGroup& g : groups)
+            if (g.folder == folder)
+                return &g;
+        return nullptr;
+    };
+    for (const QString& path : paths) {
+        const QFileInfo info(path);
+        if (info.isDir() && !find(info.canonicalFilePath()))
+            groups.push_back({info.canonicalFilePath(), {}});
+    }
+    for (const QString& path : paths) {
+        const QFileInfo info(path);
+        if (!info.isFile())
+            continue;
+        const QString folder = info.absoluteDir().canonicalPath();
+        const QByteArray native = QFile::encodeName(filenames::join(folder, info.fileName()));
+        DropGroup* g = find(folder);
+        if (!g)
+            groups.push_back({folder, {native}});
+        else if (!g->only.isEmpty() && !g->only.contains(native))
+            g->only.append(native); // a group without names is a folder dropped whole
+    }
+    return groups;
+}
 
 Outcome run(const Folders& folders, bool deleteSources, const Callbacks& callbacks) {
     return Walk(folders, deleteSources, callbacks).run();

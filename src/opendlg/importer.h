@@ -58,6 +58,9 @@ struct Folders {
     QString source; // the folder to import from
     QString home;   // HomeFolderPath
     QString config; // ConfigFolderPath
+    // When not empty, only these files of the source folder (as SourceFile::native paths, e.g.
+    // files dropped from the file manager); the rest of the folder is left alone.
+    QList<QByteArray> only;
 };
 
 // A file of a source folder as the walk sees it.
@@ -104,6 +107,15 @@ struct Outcome {
     // Set when the import stopped at a file: the message that said so.
     std::optional<QString> stopped;
 };
+
+// What was dropped from the file manager, as imports: first each folder whole, then the files
+// grouped by the folder that holds them (only those files; none of a folder dropped whole).
+// Paths that are neither a folder nor a file are left out.
+struct DropGroup {
+    QString folder;         // canonical
+    QList<QByteArray> only; // empty for a whole folder
+};
+std::vector<DropGroup> groupDropped(const QStringList& paths);
 
 // Imports every file of folders.source that the viewer knows into folders.home and
 // folders.config, deleting each source after its copy when deleteSources is set. Stops at the

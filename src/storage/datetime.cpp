@@ -192,6 +192,62 @@ QString formatGeneral(DateTime value) {
     return formatShortDate(value) + QLatin1Char(' ') + formatLongTime(value);
 }
 
+bool isCalendarYear(DateTime value) {
+    // 1 January 1 and 31 December 9999, whole.
+    return value >= -693593.0 && value < 2958466.0;
+}
+
+namespace {
+
+char* twoDigits(char* out, int value) {
+    *out++ = char('0' + value / 10 % 10);
+    *out++ = char('0' + value % 10);
+    return out;
+}
+
+} // namespace
+
+int writeIso(DateTime value, char* out) {
+    // Rounded to the hundredth first, so that 59.996 s reads as the next second.
+    const double hundredths = std::round(value * secondsPerDay * 100.0);
+    const Civil c = toCivil(hundredths / (secondsPerDay * 100.0));
+    char* p = out;
+    p = twoDigits(twoDigits(p, c.year / 100), c.year % 100);
+    *p++ = '-';
+    p = twoDigits(p, c.month);
+    *p++ = '-';
+    p = twoDigits(p, c.day);
+    *p++ = 'T';
+    p = twoDigits(p, c.hour);
+    *p++ = ':';
+    p = twoDigits(p, c.minute);
+    *p++ = ':';
+    p = twoDigits(p, c.second);
+    if (const int h = (c.millisecond + 5) / 10; h != 0) {
+        *p++ = '.';
+        p = twoDigits(p, h);
+    }
+    return int(p - out);
+}
+
+int writeController(DateTime value, char* out) {
+    // Rounded to the second, like the controller's own time stamps.
+    const Civil c = toCivil(std::round(value * secondsPerDay) / secondsPerDay);
+    char* p = out;
+    p = twoDigits(p, c.month);
+    *p++ = '/';
+    p = twoDigits(p, c.day);
+    *p++ = '/';
+    p = twoDigits(p, c.year % 100);
+    *p++ = ' ';
+    p = twoDigits(p, c.hour);
+    *p++ = ':';
+    p = twoDigits(p, c.minute);
+    *p++ = ':';
+    p = twoDigits(p, c.second);
+    return int(p - out);
+}
+
 QString formatNumber(double value) {
     // Fixed notation without a precision is the shortest positional text that round-trips.
     char buf[400];

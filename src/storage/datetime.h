@@ -53,6 +53,14 @@ QString formatGeneral(DateTime value);
 QString formatShortDate(DateTime value);
 // "h:mm:ss AP".
 QString formatLongTime(DateTime value);
+// Whether a date-time lies in the years 1 to 9999, the years the calendar texts can show.
+bool isCalendarYear(DateTime value);
+// Writes "YYYY-MM-DDTHH:MM:SS" (ISO 8601, local time), with ".hh" when the hundredths of the
+// second are not zero, into out (at least 23 bytes); returns the length. Years 1 to 9999 only.
+int writeIso(DateTime value, char* out);
+// Writes the controller's "MM/DD/YY HH:MM:SS", rounded to the second, into out (at least 17
+// bytes); returns 17. Years 1 to 9999 only.
+int writeController(DateTime value, char* out);
 // The shortest plain decimal text that reads back as the same double ("40544.5", "0", "1e+11"
 // never: always positional notation).
 QString formatNumber(double value);

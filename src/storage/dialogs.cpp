@@ -1,6 +1,7 @@
 #include "storage/dialogs.h"
 
 #include <QColorDialog>
+#include <QFileDialog>
 #include <QInputDialog>
 #include <QPrintDialog>
 #include <QPrinter>
@@ -34,6 +35,27 @@ std::optional<QColor> SystemDialogs::chooseColor(QWidget* parent, const QColor& 
 bool SystemDialogs::choosePrinter(QWidget* parent, QPrinter& printer) {
     QPrintDialog dialog(&printer, parent);
     return dialog.exec() == QDialog::Accepted;
+}
+
+QString SystemDialogs::chooseSaveFile(QWidget* parent, const QString& title,
+                                      const QString& suggested, const QStringList& filters) {
+    QFileDialog dialog(parent, title, suggested);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilters(filters);
+    // A name typed without a suffix gets the chosen filter's ("PNG image (*.png)" gives "png"),
+    // before the dialog asks whether to replace a file of that name.
+    const auto suffixOf = [](const QString& filter) {
+        const qsizetype star = filter.indexOf(QLatin1String("*."));
+        return star < 0 ? QString()
+                        : filter.mid(star + 2).section(QLatin1Char(')'), 0, 0).section(' ', 0, 0);
+    };
+    dialog.setDefaultSuffix(suffixOf(dialog.selectedNameFilter()));
+    QObject::connect(
+        &dialog, &QFileDialog::filterSelected, &dialog,
+        [&dialog, &suffixOf](const QString& f) { dialog.setDefaultSuffix(suffixOf(f)); });
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
+    return dialog.selectedFiles().constFirst();
 }
 
 } // namespace trendax

@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QMessageBox>
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 class QPrinter;
@@ -29,6 +30,11 @@ public:
                                               const QString& title) = 0;
     // The print dialog on the given printer; false on cancel.
     virtual bool choosePrinter(QWidget* parent, QPrinter& printer) = 0;
+    // A save dialog starting at suggested, offering the filters ("PNG image (*.png)", ...);
+    // the chosen path, with the suffix of the chosen filter added when it has none; the empty
+    // text on cancel. Asks before replacing an existing file.
+    virtual QString chooseSaveFile(QWidget* parent, const QString& title, const QString& suggested,
+                                   const QStringList& filters) = 0;
 };
 
 // The real dialogs of the desktop.
@@ -42,6 +48,8 @@ public:
     std::optional<QColor> chooseColor(QWidget* parent, const QColor& initial,
                                       const QString& title) override;
     bool choosePrinter(QWidget* parent, QPrinter& printer) override;
+    QString chooseSaveFile(QWidget* parent, const QString& title, const QString& suggested,
+                           const QStringList& filters) override;
 };
 
 } // namespace trendax

@@ -1,11 +1,11 @@
 #include "storage/textfile.h"
 
+#include "storage/atomicfile.h"
 #include "storage/filenames.h"
 
 #include <QFile>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -28,25 +28,6 @@ char encodeChar(char16_t c) {
             return char(0x80 + i);
     }
     return '?';
-}
-
-// Writes all the bytes, going on after interruptions; false with errno set on failure.
-bool writeAll(int fd, QByteArrayView bytes) {
-    const char* p = bytes.data();
-    qsizetype left = bytes.size();
-    while (left > 0) {
-        const ssize_t n = ::write(fd, p, size_t(left));
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0) {
-            if (n == 0)
-                errno = EIO;
-            return false;
-        }
-        p += n;
-        left -= n;
-    }
-    return true;
 }
 
 // Makes a newly created file's name durable as well as its content.
@@ -152,29 +133,9 @@ bool writeLines(const QString& path, const QStringList& lines) {
         bytes += encode(line);
         bytes += "\r\n";
     }
-    const QByteArray target = QFile::encodeName(filenames::resolve(path));
-    // An existing file keeps its permissions. A symbolic link in its place is replaced by a
-    // regular file, never written through: a link in the configuration folder may point at
-    // anything, and the program's files are its own.
-    unsigned mode = filenames::newFilePermissions();
-    struct stat st {};
-    if (::lstat(target.constData(), &st) == 0 && S_ISREG(st.st_mode))
-        mode = st.st_mode & 07777;
-
-    // The bytes go to a temporary file beside the target, which is renamed over it only when
-    // every write and the sync succeeded; a full disk leaves the old file as it was.
-    QByteArray temporary = target + ".XXXXXX";
-    const int fd = ::mkostemp(temporary.data(), O_CLOEXEC);
-    if (fd < 0)
-        return false;
-    bool written = ::fchmod(fd, mode_t(mode)) == 0 && writeAll(fd, bytes);
-    written = written && (::fsync(fd) == 0 || errno == EINVAL);
-    written = ::close(fd) == 0 && written;
-    if (!written || ::rename(temporary.constData(), target.constData()) != 0) {
-        ::unlink(temporary.constData());
-        return false;
-    }
-    return true;
+    // A full disk leaves the old file as it was.
+    AtomicFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
 }
 
 bool appendLine(const QString& path, const QString& line) {
@@ -200,7 +161,7 @@ int appendLineOrError(const QString& path, const QString& line) {
         ::close(fd);
         return error;
     }
-    if (writeAll(fd, bytes) && ::fsync(fd) == 0) {
+    if (writeAllBytes(fd, bytes) && ::fsync(fd) == 0) {
         ::close(fd); // the line is on disk already; a late close error loses nothing
         if (created)
             syncFolder(name);

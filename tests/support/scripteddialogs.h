@@ -36,6 +36,11 @@ public:
         }
         return !pdf.isEmpty();
     }
+    QString chooseSaveFile(QWidget*, const QString& title, const QString&,
+                           const QStringList&) override {
+        saveTitles << title;
+        return take(saveAnswers, QString());
+    }
 
     struct Message {
         QString text;
@@ -53,6 +58,9 @@ public:
     QStringList inputPrompts;
     QStringList colorTitles;
     int printDialogs = 0;
+    // Paths to answer save dialogs with; none cancels.
+    std::deque<QString> saveAnswers;
+    QStringList saveTitles;
 
 private:
     // The next queued answer, or fallback when none is left.
