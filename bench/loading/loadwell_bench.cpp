@@ -84,8 +84,8 @@ QJsonObject report(Form1& w, const QString& appFolder) {
     o["tracksEnabled"] = w.toolButton("tracks")->isEnabled();
     o["quillChannelsEnabled"] = w.mnuQuillChannels->isEnabled();
     QJsonArray history;
-    for (int i = 0; i < w.lstHST->count(); ++i)
-        history.append(w.lstHST->item(i)->text());
+    for (const QString& entry : w.lstHST->entries())
+        history.append(entry);
     o["lstHST"] = history;
     QJsonArray comments;
     for (int r = 0; r < w.gridHistoryEvents->rowCount(); ++r) {

@@ -21,7 +21,6 @@ class QDragEnterEvent;
 class QDropEvent;
 class QFrame;
 class QLabel;
-class QListWidget;
 class QMenu;
 class QAction;
 class QProgressBar;
@@ -79,7 +78,7 @@ public:
     QSplitter* CoolBar1 = nullptr;
     HistoryPanel* frameHist = nullptr;
     QFrame* frameGraph = nullptr;
-    QListWidget* lstHST = nullptr;
+    HistoryList* lstHST = nullptr;
     QPushButton* cmdAddComment = nullptr;
     QTableWidget* gridHistoryEvents = nullptr;
     StripChart* Strip1 = nullptr;

@@ -7,7 +7,6 @@
 #include "storage/twips.h"
 
 #include <QGuiApplication>
-#include <QListWidget>
 #include <QPushButton>
 #include <QScreen>
 #include <QSplitter>

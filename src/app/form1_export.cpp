@@ -20,7 +20,6 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QLabel>
-#include <QListWidget>
 #include <QMenu>
 #include <QPdfWriter>
 #include <QPrinter>
@@ -149,10 +148,7 @@ SiteReport Form1::siteReport() const {
              {row.lblCursorValue->text(), row.lblMinDisp->text(), row.lblAvgDisp->text(),
               row.lblMaxDisp->text(), row.lblMin->text(), row.lblAvg->text(), row.lblMax->text()}});
     }
-    QStringList entries;
-    for (int i = 0; i < lstHST->count(); ++i)
-        entries << lstHST->item(i)->text();
-    report.events = eventsInWindow(entries, model.xViewStart(), model.xViewEnd());
+    report.events = eventsInWindow(lstHST->entries(), model.xViewStart(), model.xViewEnd());
     report.comments = commentsInWindow(commentGridRows(), model.xViewStart(), model.xViewEnd());
     return report;
 }

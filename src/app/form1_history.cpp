@@ -11,7 +11,6 @@
 #include "storage/programtitle.h"
 
 #include <QHeaderView>
-#include <QListWidget>
 #include <QStatusBar>
 #include <QTableWidget>
 
@@ -101,12 +100,12 @@ void Form1::centreOn(double t) {
 }
 
 void Form1::lstHST_Click(int row) {
-    const QListWidgetItem* item = lstHST->item(row);
-    if (!item)
+    if (row < 0 || row >= lstHST->count())
         return;
-    const auto t = history::historyEntryTime(item->text());
+    const QString entry = lstHST->text(row);
+    const auto t = history::historyEntryTime(entry);
     if (!t) {
-        StatusBar1->showMessage(QStringLiteral("The event \"") + item->text() +
+        StatusBar1->showMessage(QStringLiteral("The event \"") + entry +
                                 QStringLiteral("\" has no time to locate on the graph."));
         return;
     }

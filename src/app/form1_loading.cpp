@@ -12,7 +12,6 @@
 #include "storage/programtitle.h"
 
 #include <QApplication>
-#include <QListWidget>
 #include <QMenu>
 #include <QProgressBar>
 #include <QToolButton>
@@ -154,6 +153,7 @@ void Form1::LoadWell() {
     DebugOut(QStringLiteral("LoadWell()"));
     bool busyPointer = false;
     const auto restoreWindow = [&] {
+        lstHST->holdLayout(false);
         if (progress_)
             progress_->close();
         delete progress_;
@@ -171,6 +171,7 @@ void Form1::LoadWell() {
         Strip1->setChartMode(1);
         Strip1->setXSpan(2);
         lstHST->clear();
+        lstHST->holdLayout(true);
         Strip1->ClearData();
 
         SiteCode = NodeCopy.text;

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "history/historylist.h"
+
 #include <QFrame>
 
-class QListWidget;
 class QPushButton;
 class QTableWidget;
 
@@ -16,7 +17,7 @@ class HistoryPanel : public QFrame {
 public:
     explicit HistoryPanel(QWidget* parent = nullptr);
 
-    QListWidget* lstHST = nullptr;
+    HistoryList* lstHST = nullptr;
     QPushButton* cmdAddComment = nullptr;
     QTableWidget* gridHistoryEvents = nullptr;
 

@@ -37,9 +37,8 @@ QString pdfText(const QString& pdf) {
 
 class Exports : public ::testing::Test {
 protected:
-    // Site AB12 on 03/15/12: five channels (three phase currents, two voltages) for four seconds,
-    // with a history file and a comment.
-    void loadFiveChannels(const QByteArray& rows) {
+    // Site AB12 on 03/15/12 with the given data log rows, a history file and a comment.
+    void loadDay(const QByteArray& rows) {
         scratch.write("logfiles/AB12031512.CSV", rows);
         scratch.write("logfiles/AB12031512.TXT",
                       "OLD     03/15 00:00:01\r\nPWRF    03/15 10:00:00\r\n");
@@ -53,8 +52,9 @@ protected:
         w->LoadWell();
     }
 
+    // Five channels (three phase currents, two voltages) for four seconds.
     void loadDefault() {
-        loadFiveChannels("AB12,03/15/12,00:00:00.00,40,40,40,480,470\r\n"
+        loadDay("AB12,03/15/12,00:00:00.00,40,40,40,480,470\r\n"
                          "AB12,03/15/12,00:00:01.00,50,35,35,481,471\r\n"
                          "AB12,03/15/12,00:00:02.00,41,40,39,482,472\r\n"
                          "AB12,03/15/12,00:00:03.00,40,40,40,483,473\r\n");
@@ -158,19 +158,13 @@ TEST_F(Exports, ImbalanceOfThePhasesAtTheCursor) {
     }
 
     // Without currents there is no imbalance at all.
-    loadFiveChannels("AB12,03/15/12,00:00:00.00,0,0,0,480,470\r\n");
+    loadDay("AB12,03/15/12,00:00:00.00,0,0,0,480,470\r\n");
     EXPECT_FALSE(w->imbalancePanel->isVisibleTo(w.get()));
 }
 
 TEST_F(Exports, ImbalanceIsAbsentForOtherLayouts) {
     // One channel: the layout names no phases.
-    scratch.write("logfiles/AB12031512.CSV", "AB12,03/15/12,00:00:00.00,40\r\n");
-    QTreeWidgetItem node;
-    node.setText(0, QStringLiteral("AB12"));
-    node.setData(0, dlgOpen::TagRole, scratch.file("logfiles"));
-    (new QTreeWidgetItem(&node))->setText(0, QStringLiteral("031512"));
-    w->CopySelectedNode(&node, mar15, mar15);
-    w->LoadWell();
+    loadDay("AB12,03/15/12,00:00:00.00,40\r\n");
     EXPECT_FALSE(w->imbalancePanel->isVisibleTo(w.get()));
 }
 

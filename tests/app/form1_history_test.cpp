@@ -33,12 +33,7 @@ protected:
         load("AB12", {"031412", "031512"}, mar15, mar15);
     }
 
-    QStringList listEntries() const {
-        QStringList out;
-        for (int i = 0; i < w->lstHST->count(); ++i)
-            out << w->lstHST->item(i)->text();
-        return out;
-    }
+    QStringList listEntries() const { return w->lstHST->entries(); }
 
     QStringList gridRows() const {
         QStringList out;

@@ -1,6 +1,5 @@
 #include "history/historypanel.h"
 
-#include <QListWidget>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTableWidget>
@@ -29,9 +28,9 @@ TEST(HistoryPanel, ReportsTheEntryRowOrButtonClicked) {
     QSignalSpy events(&panel, &HistoryPanel::eventClicked);
     QSignalSpy comments(&panel, &HistoryPanel::commentClicked);
     QSignalSpy add(&panel, &HistoryPanel::addCommentClicked);
-    QListWidget* list = panel.lstHST;
+    HistoryList* list = panel.lstHST;
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                      list->visualItemRect(list->item(1)).center());
+                      list->visualRect(list->model()->index(1, 0)).center());
     QTest::mouseClick(grid->viewport(), Qt::LeftButton, {},
                       grid->visualRect(grid->model()->index(2, 1)).center());
     QTest::mouseClick(panel.cmdAddComment, Qt::LeftButton);
