@@ -26,13 +26,18 @@ QMessageBox::StandardButton ScriptedDialogs::message(QWidget*, const QString& te
     return buttons.testFlag(QMessageBox::Ok) ? QMessageBox::Ok : QMessageBox::No;
 }
 
-QString ScriptedDialogs::input(QWidget*, const QString& prompt, const QString&, const QString&) {
+QString ScriptedDialogs::input(QWidget*, const QString& prompt, const QString& title,
+                               const QString& defaultText) {
     inputPrompts << prompt;
+    inputTitles << title;
+    inputDefaults << defaultText;
     return take(inputAnswers).value_or(QString());
 }
 
-std::optional<QColor> ScriptedDialogs::chooseColor(QWidget*, const QColor&, const QString& title) {
+std::optional<QColor> ScriptedDialogs::chooseColor(QWidget*, const QColor& initial,
+                                                   const QString& title) {
     colorTitles << title;
+    colorInitials.push_back(initial);
     return take(colorAnswers).value_or(std::nullopt);
 }
 

@@ -4,6 +4,7 @@
 
 #include <QStringList>
 #include <deque>
+#include <vector>
 
 namespace trendax::test {
 
@@ -34,7 +35,10 @@ public:
 
     std::vector<Message> messages;
     QStringList inputPrompts;
+    QStringList inputTitles;
+    QStringList inputDefaults;
     QStringList colorTitles;
+    std::vector<QColor> colorInitials;
     int printDialogs = 0;
 };
 
