@@ -4,6 +4,8 @@
 #include "app/sitereport.h"
 #include "chart/chartexport.h"
 #include "chart/imbalance.h"
+#include "chart/navigation.h"
+#include "chart/statspanel.h"
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
 
@@ -13,6 +15,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPdfWriter>
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -183,6 +187,107 @@ void BM_StatisticsRefresh91(benchmark::State& state) {
     }
 }
 
+// ---- Commands of the main window, each with its repaint at 1920 x 1080 ----
+
+// One step of a held scroll button over the whole month in view: a tenth of the window, then
+// the repaint. The steps go right and left in turn so that the window stays over the data.
+void BM_HeldScrollStep(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    chart.ShowXRange(firstDay, firstDay + days);
+    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    int i = 0;
+    for (auto _ : state) {
+        navigation::scrollTime(chart.model(), i++ % 2);
+        chart.render(&image);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+}
+
+// One zoom step about the cursor between the whole month and half of it, then the repaint.
+void BM_ZoomStep(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    chart.ShowXRange(firstDay, firstDay + days);
+    chart.setCursorX(firstDay + days / 2);
+    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    int i = 0;
+    for (auto _ : state) {
+        navigation::zoomTime(chart.model(), i++ % 2);
+        chart.render(&image);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+}
+
+// One refresh of the statistics panel: the 91 queries after the window and the cursor moved,
+// the 91 texts, and the panel's repaint.
+void BM_StatisticsRefreshWithPanel(benchmark::State& state) {
+    StripChartModel& m = bigChart().model();
+    StatsPanel panel(96);
+    panel.setHeightTwips(3645);
+    panel.resize(1920, panel.height());
+    QImage image(panel.size(), QImage::Format_ARGB32_Premultiplied);
+    int i = 0;
+    for (auto _ : state) {
+        const double start = firstDay + double(i % 29) + 0.013 * (i % 7);
+        m.showXRange(start, start + (i % 2 ? days : 1.0 / 24.0));
+        m.setCursorX(start + 0.01);
+        ++i;
+        for (int k = 0; k < variables; ++k)
+            panel.showStatistics(k, {m.cursorValue(k), m.viewMin(k), m.viewAvg(k), m.viewMax(k),
+                                     m.dataMin(k), m.dataAvg(k), m.dataMax(k)});
+        panel.render(&image);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+}
+
+// Records the area each paint of a widget covers.
+class PaintArea : public QObject {
+public:
+    std::int64_t pixels = 0;
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) {
+            for (const QRect& r : static_cast<QPaintEvent*>(event)->region())
+                pixels += std::int64_t(r.width()) * r.height();
+            ++paints;
+        }
+        return false;
+    }
+};
+
+// One step of a cursor drag on the shown chart: the mouse move, the CursorChange it raises and
+// the repaint that follows, which covers the cursor's old and new place only.
+void BM_CursorDragStep(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    chart.ShowXRange(firstDay, firstDay + days);
+    chart.show();
+    QApplication::processEvents();
+    const QRectF plot = chart.plotArea();
+    const double y = plot.center().y();
+    const auto send = [&chart, y](QEvent::Type type, double x, Qt::MouseButton button,
+                                  Qt::MouseButtons held) {
+        QMouseEvent e(type, QPointF(x, y), chart.mapToGlobal(QPointF(x, y)), button, held,
+                      Qt::NoModifier);
+        QApplication::sendEvent(&chart, &e);
+    };
+    send(QEvent::MouseButtonPress, plot.left() + 10, Qt::LeftButton, Qt::LeftButton);
+    QApplication::processEvents();
+    PaintArea area;
+    chart.installEventFilter(&area);
+    int i = 0;
+    for (auto _ : state) {
+        send(QEvent::MouseMove, plot.left() + 10 + (i++ % 1500), Qt::NoButton, Qt::LeftButton);
+        QApplication::processEvents();
+    }
+    chart.removeEventFilter(&area);
+    send(QEvent::MouseButtonRelease, plot.left() + 10, Qt::LeftButton, Qt::NoButton);
+    chart.hide();
+    state.counters["paints_per_step"] = double(area.paints) / double(state.iterations());
+    state.counters["painted_share_of_chart"] =
+        double(area.pixels) / double(std::max(area.paints, 1)) / (1920.0 * 1080.0);
+}
+
 std::size_t residentBytes() {
     std::ifstream statm("/proc/self/statm");
     std::size_t size = 0, resident = 0;
@@ -226,6 +331,10 @@ BENCHMARK(BM_RepaintMonth_OneHour)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 BENCHMARK(BM_CurveReductionZoomAll)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_CursorMoveRepaint)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_StatisticsRefresh91)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_HeldScrollStep)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_ZoomStep)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_StatisticsRefreshWithPanel)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_CursorDragStep)->Unit(benchmark::kMillisecond);
 
 // ---- Export of the view ----
 

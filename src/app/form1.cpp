@@ -4,6 +4,7 @@
 #include "app/toolbaricons.h"
 #include "calibration/frmcalibrate2.h"
 #include "chart/channellayouts.h"
+#include "chart/chartview.h"
 #include "chart/navigation.h"
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
@@ -20,6 +21,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QFrame>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMenu>
@@ -28,6 +30,7 @@
 #include <QPainter>
 #include <QPrinter>
 #include <QProgressBar>
+#include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTableWidget>
@@ -115,13 +118,30 @@ Form1::Form1(Environment& env, Dialogs& dialogs, const QString& argumentText, QW
     connect(frameHist, &HistoryPanel::eventClicked, this, &Form1::lstHST_Click);
     connect(frameHist, &HistoryPanel::commentClicked, this, &Form1::gridHistoryEvents_Click);
     connect(frameHist, &HistoryPanel::addCommentClicked, this, &Form1::cmdAddComment_Click);
+    connect(picStats, &StatsPanel::nameClicked, this, &Form1::lblVar_Click);
+    connect(picStats, &StatsPanel::visibilityChanged, this,
+            [this](int row, bool) { chkChannelVisible_Click(row); });
+    for (int k = 1; k <= int(mnuChannel.size()); ++k) {
+        QAction* item = mnuChannel[size_t(k - 1)];
+        connect(item, &QAction::triggered, this, [this, item, k] {
+            // The menu has already moved the check mark; the handler moves it itself, as it
+            // does when called directly.
+            item->setChecked(!item->isChecked());
+            mnuChannel_Click(k);
+        });
+    }
+    connect(mnuGraphSettings, &QAction::triggered, this, &Form1::mnuGraphSettings_Click);
     // The comment under the pointer becomes the grid's tooltip.
     gridHistoryEvents->viewport()->setMouseTracking(true);
     gridHistoryEvents->viewport()->installEventFilter(this);
     gridHistoryEvents->horizontalHeader()->setMouseTracking(true);
     gridHistoryEvents->horizontalHeader()->installEventFilter(this);
 
-    resize(twipsToPixels(12000), twipsToPixels(9000));
+    // Large enough for the whole toolbar and the statistics panel; the window still opens at
+    // the top-left corner (Form_Load).
+    const QScreen* where = screen() ? screen() : QGuiApplication::primaryScreen();
+    const QSize available = where ? where->availableGeometry().size() : QSize();
+    resize(chartview::initialWindowSize(available, {twipsToPixels(12000), twipsToPixels(9000)}));
     Form_Load(argumentText);
     tmrUI->start();
 }
@@ -342,20 +362,27 @@ bool Form1::eventFilter(QObject* watched, QEvent* event) {
         gridHistoryEvents_MouseMove(
             static_cast<QWidget*>(watched)->mapTo(gridHistoryEvents, move->position().toPoint()));
     }
-    if (event->type() == QEvent::MouseButtonPress) {
-        // Holding Left or Right scrolls on every timer tick until the button is released.
-        if (watched == toolButton(QStringLiteral("left")))
-            scrollLeft = true;
-        else if (watched == toolButton(QStringLiteral("right")))
-            scrollRight = true;
-    } else if (event->type() == QEvent::MouseButtonRelease) {
-        if (watched == Toolbar1 || qobject_cast<QToolButton*>(watched)) {
-            scrollLeft = false;
-            scrollRight = false;
-        }
-        if (watched == CoolBar1->handle(1))
-            ArrangeBands();
+    const bool press = event->type() == QEvent::MouseButtonPress;
+    const bool release = event->type() == QEvent::MouseButtonRelease;
+    auto* widget = qobject_cast<QWidget*>(watched);
+    if ((press || release) && widget &&
+        (widget == Toolbar1 || widget->parentWidget() == Toolbar1)) {
+        // The toolbar's mouse, wherever on it: a button reports in its own coordinates.
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        const QPointF at = widget->mapTo(Toolbar1, mouse->position().toPoint());
+        const int button = mouse->button() == Qt::RightButton    ? 2
+                           : mouse->button() == Qt::MiddleButton ? 4
+                                                                 : 1;
+        const Qt::KeyboardModifiers m = mouse->modifiers();
+        const int shift = (m & Qt::ShiftModifier ? 1 : 0) | (m & Qt::ControlModifier ? 2 : 0) |
+                          (m & Qt::AltModifier ? 4 : 0);
+        if (press)
+            Toolbar1_MouseDown(button, shift, at.x(), at.y());
+        else
+            Toolbar1_MouseUp(button, shift, at.x(), at.y());
     }
+    if (release && watched == CoolBar1->handle(1))
+        ArrangeBands();
     return QMainWindow::eventFilter(watched, event);
 }
 

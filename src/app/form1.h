@@ -171,6 +171,17 @@ public:
     void UpdateStatistics();
     void UpdateCursorDisplay();
     void Strip1_CursorChange(double x);
+    // A click on the name of row i: the colour chooser for the channel.
+    void lblVar_Click(int i);
+    // Row i's visibility box changed (by the user or by the program).
+    void chkChannelVisible_Click(int i);
+    // Item k (1 to 8) of the "Quill Channels" menu was chosen.
+    void mnuChannel_Click(int k);
+    // "Graph Settings": asks for the chart's buffer size.
+    void mnuGraphSettings_Click();
+    // A mouse button went down or up on the toolbar, at x, y in its coordinates.
+    void Toolbar1_MouseDown(int button, int shift, double x, double y);
+    void Toolbar1_MouseUp(int button, int shift, double x, double y);
 
     // ---- Calibration ----
     // Opens the calibration dialog of a one-channel log, or raises it when it is open already.

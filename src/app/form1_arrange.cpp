@@ -98,9 +98,14 @@ void Form1::ArrangeControls() {
         lstHST->setVisible(!gridHistoryEvents->isHidden());
     cmdAddComment->setVisible(!gridHistoryEvents->isHidden());
 
+    // The chart column never becomes narrower than the statistics panel needs to show every
+    // name and value whole, also when the history column is dragged wider.
+    frameGraph->setMinimumWidth(
+        std::max(twipsToPixels(1995), picStats->isHidden() ? 0 : picStats->neededWidth()));
+
     const int chartArea = std::max(0, H - T - S);
     if (!picStats->isHidden()) {
-        const int statsHeight = twipsToPixels(picStats->heightTwips());
+        const int statsHeight = picStats->shownHeight();
         Strip1->resize(Strip1->width(), std::max(0, chartArea - statsHeight));
         picStats->setGeometry(picStats->x(), Strip1->height(), picStats->width(), statsHeight);
     } else {

@@ -190,6 +190,9 @@ void Form1::LoadWell() {
             progress_->bringToFront();
             progress_->beginFiles(count);
             setEnabled(false);
+            // A window of its own: disabled together with the main window it would be greyed
+            // out for the whole load.
+            progress_->setEnabled(true);
         };
         hooks.loadDay = [this](int fileNumber, int count, const QString& dataLog,
                                const QString& historyFile) {

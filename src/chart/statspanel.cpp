@@ -1,24 +1,37 @@
 #include "chart/statspanel.h"
 
 #include "chart/readouts.h"
-#include "storage/twips.h"
 
 #include <QCheckBox>
 #include <QEvent>
+#include <QFontMetrics>
 #include <QLabel>
 #include <QMouseEvent>
+#include <cmath>
 
 namespace trendax {
 
 namespace {
 
-// Column headings and their left edges in twips.
-constexpr std::pair<const char*, int> columns[] = {
-    {"Cursor Value", 2160}, {"Min Disp", 3240}, {"Avg Disp", 4320}, {"Max Disp", 5160},
-    {"Min", 6120},          {"Average", 7200},  {"Max", 8040}};
+constexpr const char* headingTexts[statslayout::columnCount] = {
+    "Cursor Value", "Min Disp", "Avg Disp", "Max Disp", "Min", "Average", "Max"};
 
-int rowTopTwips(int row) {
-    return row < 5 ? 540 + 210 * row : 1680 + 240 * (row - 5);
+// Room every value column keeps at least: a pressure or a current with sign and two decimals.
+const QString widestValue = QStringLiteral("-00000.00");
+// The cursor time at its widest in the general date-and-time form.
+const QString widestCursorText = QStringLiteral("12/28/2088 10:58:58 PM");
+
+// The panel's font size in points; in pixels of the panel's own resolution, so that the texts
+// keep their proportion to the twips of the layout at any resolution.
+constexpr double fontPoints = 8.0;
+
+int textWidth(const QFontMetrics& fm, const QString& text) {
+    return fm.horizontalAdvance(text) + 2;
+}
+
+std::array<QLabel*, statslayout::columnCount> readoutsOf(const StatsRow& row) {
+    return {row.lblCursorValue, row.lblMinDisp, row.lblAvgDisp, row.lblMaxDisp,
+            row.lblMin,         row.lblAvg,     row.lblMax};
 }
 
 } // namespace
@@ -28,60 +41,92 @@ StatsPanel::StatsPanel(double dpi, QWidget* parent) : QFrame(parent), dpi_(dpi) 
     setAutoFillBackground(true);
     setFrameShape(QFrame::StyledPanel);
     QFont small = font();
-    small.setPointSizeF(std::max(7.0, small.pointSizeF() - 1.5));
+    small.setPixelSize(std::max(6, int(std::lround(fontPoints * dpi / 72.0))));
     setFont(small);
 
-    auto* cursorHeading = new QLabel(QStringLiteral("Cursor:"), this);
+    cursorHeading_ = new QLabel(QStringLiteral("Cursor:"), this);
     QFont bold = small;
     bold.setBold(true);
-    cursorHeading->setFont(bold);
-    cursorHeading->setGeometry(px(60), px(30), px(2000), px(240));
+    cursorHeading_->setFont(bold);
     lblCursor = new QLabel(QStringLiteral("mm/dd/yyyy hh:mm:ss am"), this);
-    lblCursor->setGeometry(px(60), px(270), px(2100), px(240));
-
-    for (const auto& [caption, left] : columns) {
-        auto* heading = new QLabel(QString::fromLatin1(caption), this);
-        heading->setGeometry(px(left), px(270), px(1100), px(240));
-    }
+    for (int c = 0; c < statslayout::columnCount; ++c)
+        headings_[size_t(c)] = new QLabel(QString::fromLatin1(headingTexts[c]), this);
 
     for (int i = 0; i < rowCount; ++i) {
         StatsRow& row = rows[size_t(i)];
-        const int top = rowTopTwips(i);
         row.chkChannelVisible = new QCheckBox(this);
-        row.chkChannelVisible->setGeometry(0, px(top), px(255), px(255));
         row.chkChannelVisible->setChecked(i < 8);
         connect(row.chkChannelVisible, &QCheckBox::toggled, this,
                 [this, i](bool checked) { emit visibilityChanged(i, checked); });
         row.Line1 = new QFrame(this);
         row.Line1->setFrameShape(QFrame::NoFrame);
         row.Line1->setAutoFillBackground(true);
-        row.Line1->setGeometry(px(240), px(top + 120), px(480), std::max(2, px(30)));
         row.lblVar = new QLabel(QStringLiteral("Var%1").arg(i + 1), this);
         row.lblVar->setToolTip(QStringLiteral("Click to change color."));
-        row.lblVar->setGeometry(px(840), px(top), px(1755), px(255));
         row.lblVar->installEventFilter(this);
         QLabel** readouts[] = {&row.lblCursorValue, &row.lblMinDisp, &row.lblAvgDisp,
                                &row.lblMaxDisp,     &row.lblMin,     &row.lblAvg,
                                &row.lblMax};
-        for (size_t c = 0; c < std::size(readouts); ++c) {
-            auto* label = new QLabel(QStringLiteral("0"), this);
-            label->setGeometry(px(columns[c].second), px(top), px(1000), px(255));
-            *readouts[c] = label;
-        }
+        for (QLabel** readout : readouts)
+            *readout = new QLabel(QStringLiteral("0"), this);
     }
+    relayout();
 }
 
-int StatsPanel::px(double twips) const {
-    return twips::toPixels(twips, dpi_);
+void StatsPanel::relayout() {
+    const QFontMetrics fm(font());
+    statslayout::Metrics m;
+    m.dpi = dpi_;
+    m.lineHeight = fm.height() + 2;
+    m.boldLineHeight = QFontMetrics(cursorHeading_->font()).height() + 2;
+    m.checkBox = rows[0].chkChannelVisible->sizeHint().height();
+    m.cursorTextWidth = std::max(textWidth(fm, widestCursorText), textWidth(fm, lblCursor->text()));
+    for (const StatsRow& row : rows)
+        m.nameWidth = std::max(m.nameWidth, textWidth(fm, row.lblVar->text()));
+    for (int c = 0; c < statslayout::columnCount; ++c) {
+        int width =
+            std::max(textWidth(fm, widestValue), textWidth(fm, headings_[size_t(c)]->text()));
+        for (const StatsRow& row : rows)
+            width = std::max(width, textWidth(fm, readoutsOf(row)[size_t(c)]->text()));
+        m.columnWidth[size_t(c)] = width;
+    }
+    geometry_ = statslayout::compute(m);
+
+    cursorHeading_->setGeometry(geometry_.cursorHeading);
+    lblCursor->setGeometry(geometry_.cursorText);
+    for (int c = 0; c < statslayout::columnCount; ++c)
+        headings_[size_t(c)]->setGeometry(geometry_.headings[size_t(c)]);
+    for (int i = 0; i < rowCount; ++i) {
+        StatsRow& row = rows[size_t(i)];
+        row.chkChannelVisible->setGeometry(geometry_.checkBoxes[size_t(i)]);
+        row.Line1->setGeometry(geometry_.samples[size_t(i)]);
+        row.lblVar->setGeometry(geometry_.names[size_t(i)]);
+        const auto readouts = readoutsOf(row);
+        for (int c = 0; c < statslayout::columnCount; ++c)
+            readouts[size_t(c)]->setGeometry(geometry_.values[size_t(i)][size_t(c)]);
+    }
+    setMinimumWidth(geometry_.width);
+    resize(std::max(width(), geometry_.width), shownHeight());
+}
+
+bool StatsPanel::overflows(const QLabel* label) const {
+    return label->fontMetrics().horizontalAdvance(label->text()) >= label->width();
+}
+
+int StatsPanel::shownHeight() const {
+    return geometry_.heightForRows(statslayout::rowsShown(heightTwips_));
 }
 
 void StatsPanel::setHeightTwips(double twips) {
     heightTwips_ = twips;
-    resize(width(), px(twips));
+    resize(width(), shownHeight());
 }
 
 void StatsPanel::setRowName(int row, const QString& name) {
-    rows[size_t(row)].lblVar->setText(name);
+    QLabel* label = rows[size_t(row)].lblVar;
+    label->setText(name);
+    if (overflows(label))
+        relayout();
 }
 
 QColor StatsPanel::rowColor(int row) const {
@@ -100,6 +145,8 @@ void StatsPanel::setRowColor(int row, const QColor& color) {
 
 void StatsPanel::setCursorText(const QString& text) {
     lblCursor->setText(text);
+    if (overflows(lblCursor))
+        relayout();
 }
 
 void StatsPanel::showStatistics(int row, const RowStatistics& values) {
@@ -111,6 +158,12 @@ void StatsPanel::showStatistics(int row, const RowStatistics& values) {
     r.lblMaxDisp->setText(readouts::formatValue(values.viewMax));
     r.lblAvgDisp->setText(readouts::formatValue(values.viewAvg));
     r.lblMinDisp->setText(readouts::formatValue(values.viewMin));
+    for (const QLabel* label : readoutsOf(r)) {
+        if (overflows(label)) {
+            relayout();
+            break;
+        }
+    }
 }
 
 bool StatsPanel::eventFilter(QObject* watched, QEvent* event) {

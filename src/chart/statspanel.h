@@ -1,5 +1,7 @@
 #pragma once
 
+#include "chart/statslayout.h"
+
 #include <QFrame>
 #include <array>
 
@@ -30,7 +32,9 @@ struct RowStatistics {
 };
 
 // The statistics panel under the chart (picStats): the cursor time and one row per variable,
-// laid out in twips at the given resolution. Its height decides how many rows show.
+// laid out from its design places in twips at the given resolution, in a font of that
+// resolution, and moved apart where the texts need more room. Its height in twips (set by the
+// layouts) decides how many rows show.
 class StatsPanel : public QFrame {
     Q_OBJECT
 
@@ -44,6 +48,10 @@ public:
 
     double heightTwips() const { return heightTwips_; }
     void setHeightTwips(double twips);
+    // The height in pixels that shows the rows of heightTwips() whole.
+    int shownHeight() const;
+    // The width in pixels that shows every column whole.
+    int neededWidth() const { return geometry_.width; }
     void setRowName(int row, const QString& name);
     // The name's text colour and the colour sample's colour of a row.
     QColor rowColor(int row) const;
@@ -62,10 +70,16 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    int px(double twips) const;
+    // Measures the texts and places every control again.
+    void relayout();
+    // Whether a read-out's text no longer fits its column.
+    bool overflows(const QLabel* label) const;
 
     double dpi_;
     double heightTwips_ = 1630;
+    QLabel* cursorHeading_ = nullptr;
+    std::array<QLabel*, statslayout::columnCount> headings_{};
+    statslayout::Geometry geometry_;
 };
 
 } // namespace trendax

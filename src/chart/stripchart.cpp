@@ -15,8 +15,11 @@
 #include <QPainterPath>
 #include <QPixmap>
 #include <QPrinter>
+#include <QTimer>
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace trendax {
@@ -66,6 +69,12 @@ struct StripChart::Impl {
     std::uint64_t layerRevision = 0;
     bool layerValid = false;
     int lastCursorPx = -1;
+    // A left press in the plot drags the cursor until the release. Positions that arrive
+    // before the previous one was painted wait; only the last of them is applied.
+    bool dragging = false;
+    bool awaitingPaint = false;
+    bool flushQueued = false;
+    std::optional<double> pendingDrag;
     std::vector<CurvePoint> curve; // scratch, kept to avoid an allocation per curve
     std::vector<QPointF> polyline; // the same in pixels
 
@@ -379,6 +388,26 @@ void StripChart::paintEvent(QPaintEvent* event) {
     p.drawPixmap(0, 0, d->layer);
     d->paintCursor(p, g);
     d->lastCursorPx = pixelIndex(g.time.toX(d->model.cursorX()));
+    d->awaitingPaint = false;
+    if (d->pendingDrag && !d->flushQueued) {
+        // Reported after the paint, never from inside it: the handlers change other widgets.
+        d->flushQueued = true;
+        QTimer::singleShot(0, this, [this] { flushDrag(); });
+    }
+}
+
+void StripChart::moveCursorByUser(double t) {
+    const double before = d->model.cursorX();
+    d->model.setCursorX(t);
+    // A cursor that did not move asks for no repaint, so there is none to wait for.
+    d->awaitingPaint = isVisible() && d->model.cursorX() != before;
+    emit CursorChange(t);
+}
+
+void StripChart::flushDrag() {
+    d->flushQueued = false;
+    if (const auto t = std::exchange(d->pendingDrag, std::nullopt))
+        moveCursorByUser(*t);
 }
 
 void StripChart::resizeEvent(QResizeEvent* event) {
@@ -411,12 +440,36 @@ void StripChart::mousePressEvent(QMouseEvent* event) {
     if (button == 1) {
         const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
         if (g.plot.contains(pos)) {
-            const double t = g.time.toTime(pos.x());
-            d->model.setCursorX(t);
-            emit CursorChange(t);
+            d->dragging = true;
+            d->pendingDrag.reset();
+            moveCursorByUser(g.time.toTime(pos.x()));
         }
     }
     event->accept();
+}
+
+void StripChart::mouseMoveEvent(QMouseEvent* event) {
+    if (!d->dragging || !(event->buttons() & Qt::LeftButton)) {
+        QWidget::mouseMoveEvent(event);
+        return;
+    }
+    // Beyond the plot's edges the cursor stays on the edge.
+    const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
+    const double x = std::clamp(event->position().x(), g.plot.left(), g.plot.right());
+    const double t = g.time.toTime(x);
+    if (d->awaitingPaint)
+        d->pendingDrag = t;
+    else
+        moveCursorByUser(t);
+    event->accept();
+}
+
+void StripChart::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && d->dragging) {
+        d->dragging = false;
+        flushDrag(); // the place of the release is always reported
+    }
+    QWidget::mouseReleaseEvent(event);
 }
 
 // ---- Properties ----

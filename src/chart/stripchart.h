@@ -110,7 +110,8 @@ public:
     const StripChartModel& model() const;
 
 signals:
-    // The user moved the cursor (a left click in the plot area).
+    // The user moved the cursor: a left click in the plot area, and every position a drag from
+    // there reaches (at most once per repaint of the chart, the last position always).
     void CursorChange(double x);
     // A mouse button went down: button 1 left, 2 right, 4 middle; shift 1 Shift, 2 Ctrl, 4 Alt.
     void ChartMouseDown(int button, int shift, double x, double y);
@@ -118,9 +119,16 @@ signals:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    // Moves the cursor to a time the user chose and reports it.
+    void moveCursorByUser(double t);
+    // Applies the drag position that waited for the last repaint.
+    void flushDrag();
+
     struct Impl;
     std::unique_ptr<Impl> d;
 };

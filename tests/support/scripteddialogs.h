@@ -5,6 +5,7 @@
 #include <QPrinter>
 #include <QStringList>
 #include <deque>
+#include <vector>
 
 namespace trendax::test {
 
@@ -19,12 +20,17 @@ public:
         return take(messageAnswers,
                     buttons.testFlag(QMessageBox::Ok) ? QMessageBox::Ok : QMessageBox::No);
     }
-    QString input(QWidget*, const QString& prompt, const QString&, const QString&) override {
+    QString input(QWidget*, const QString& prompt, const QString& title,
+                  const QString& defaultText) override {
         inputPrompts << prompt;
+        inputTitles << title;
+        inputDefaults << defaultText;
         return take(inputAnswers, QString());
     }
-    std::optional<QColor> chooseColor(QWidget*, const QColor&, const QString& title) override {
+    std::optional<QColor> chooseColor(QWidget*, const QColor& initial,
+                                      const QString& title) override {
         colorTitles << title;
+        colorInitials.push_back(initial);
         return take(colorAnswers, std::optional<QColor>());
     }
     bool choosePrinter(QWidget*, QPrinter& printer) override {
@@ -56,7 +62,10 @@ public:
 
     std::vector<Message> messages;
     QStringList inputPrompts;
+    QStringList inputTitles;
+    QStringList inputDefaults;
     QStringList colorTitles;
+    std::vector<QColor> colorInitials;
     int printDialogs = 0;
     // Paths to answer save dialogs with; none cancels.
     std::deque<QString> saveAnswers;

@@ -13,6 +13,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <QTreeWidgetItem>
 #include <cstdio>
@@ -20,8 +21,18 @@
 using namespace trendax;
 
 int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Offscreen on a 1600 x 1000 screen at 96 dpi unless told otherwise, so the window opens at
+    // the size it has on a common desktop.
+    QTemporaryDir screenFolder;
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        const QString config = screenFolder.filePath(QStringLiteral("screen.json"));
+        QFile file(config);
+        if (file.open(QIODevice::WriteOnly))
+            file.write(R"({"screens": [{"name": "desk", "x": 0, "y": 0, "width": 1600,
+                "height": 1000, "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
+        file.close();
+        qputenv("QT_QPA_PLATFORM", ("offscreen:configfile=" + config).toLocal8Bit());
+    }
     QApplication app(argc, argv);
     const QStringList args = app.arguments();
     if (args.size() < 3) {
@@ -55,8 +66,7 @@ int main(int argc, char** argv) {
 
     SystemEnvironment environment(appFolder.path());
     SystemDialogs dialogs;
-    Form1 window(environment, dialogs);
-    window.resize(1400, 900);
+    Form1 window(environment, dialogs); // at the size it opens with
     window.show();
     const auto first = sitetree::dayDate(node.child(0)->text(0));
     const auto last = sitetree::dayDate(node.child(node.childCount() - 1)->text(0));
