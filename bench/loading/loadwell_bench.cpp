@@ -2,11 +2,19 @@
 // reports how long it took, the peak memory and the rows per second; with --json also the loaded
 // state, so that a run can be checked for correctness as well as timed.
 //
-// Usage: trendax-load-bench APPFOLDER SITE START END [--json]   (dates as MM/DD/YY)
+// Before the load the same data logs are parsed once without keeping anything (every field of
+// every row read into numbers and time stamps), and the load is reported as a ratio to that pass:
+// what the load costs beyond parsing is what the viewer itself adds. With --interact the loaded
+// chart is then driven at 1920 x 1080: repaints after scroll and zoom steps and statistics
+// refreshes, each timed on its own.
+//
+// Usage: trendax-load-bench APPFOLDER SITE START END [--json] [--interact]   (dates MM/DD/YY)
 #include "app/form1.h"
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
+#include "loading/datalog.h"
 #include "loading/heap.h"
+#include "loading/wellload.h"
 #include "opendlg/dlgopen.h"
 #include "opendlg/sitetree.h"
 #include "storage/datetime.h"
@@ -18,6 +26,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -25,9 +34,12 @@
 #include <QTableWidget>
 #include <QToolButton>
 #include <QTreeWidgetItem>
+#include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <sys/resource.h>
 #include <unistd.h>
+#include <vector>
 
 using namespace trendax;
 
@@ -51,6 +63,126 @@ double residentMegabytes() {
         std::fclose(f);
     }
     return resident * (sysconf(_SC_PAGESIZE) / 1048576.0);
+}
+
+// Wall, user and system seconds of one phase, of the whole process and of the window's thread
+// alone (which leaves out what the helper thread does on the other core).
+struct Cost {
+    double wall = 0, user = 0, system = 0;
+    double threadUser = 0, threadSystem = 0;
+};
+
+class CostMeter {
+public:
+    CostMeter() {
+        getrusage(RUSAGE_SELF, &process_);
+        getrusage(RUSAGE_THREAD, &thread_);
+        timer_.start();
+    }
+    Cost cost() const {
+        rusage process{}, thread{};
+        getrusage(RUSAGE_SELF, &process);
+        getrusage(RUSAGE_THREAD, &thread);
+        auto seconds = [](const timeval& a, const timeval& b) {
+            return double(b.tv_sec - a.tv_sec) + double(b.tv_usec - a.tv_usec) / 1e6;
+        };
+        return {timer_.nsecsElapsed() / 1e9, seconds(process_.ru_utime, process.ru_utime),
+                seconds(process_.ru_stime, process.ru_stime),
+                seconds(thread_.ru_utime, thread.ru_utime),
+                seconds(thread_.ru_stime, thread.ru_stime)};
+    }
+
+private:
+    rusage process_{}, thread_{};
+    QElapsedTimer timer_;
+};
+
+// Every in-range data log of the node parsed as the reader parses it, nothing kept.
+Cost parseOnlyPass(const NodeCopy& node, const QString& appFolder, double& checksum) {
+    CostMeter meter;
+    LoadState state;
+    QByteArray buffer;
+    DataLogOptions options;
+    options.storeValues = false;
+    options.readBuffer = &buffer; // read as the load reads
+    for (const QString& code : node.dates) {
+        const auto day = dateOfCode(code);
+        if (!day || !dayInRange(*day, node.startdate, node.enddate))
+            continue;
+        try {
+            checksum += readDataLog(dataLogPath(node, code), appFolder, state, options).valueSum;
+        } catch (const LoadFailure&) {
+        }
+    }
+    return meter.cost();
+}
+
+void printCost(const char* what, const Cost& c) {
+    std::printf("%s: %.3f s wall, %.3f s user, %.3f s system; window thread %.3f s user, %.3f s "
+                "system\n",
+                what, c.wall, c.user, c.system, c.threadUser, c.threadSystem);
+}
+
+// Median and worst of a set of timings, in milliseconds of processor time.
+void printTimings(const char* what, std::vector<double> ms) {
+    std::sort(ms.begin(), ms.end());
+    std::printf("%s: median %.2f ms, worst %.2f ms over %zu\n", what, ms[ms.size() / 2], ms.back(),
+                ms.size());
+}
+
+// Repaints, scroll and zoom steps and statistics refreshes of the loaded chart at 1920 x 1080.
+void interact(Form1& w) {
+    StripChart& chart = *w.Strip1;
+    chart.resize(1920, 1080);
+    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    const double first = w.XMin, last = w.XMax;
+    // The window thread's processor time of a step: on a machine shared with other work the
+    // wall time says more about the others than about the step.
+    auto timed = [](auto&& step) {
+        timespec a{}, b{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &a);
+        step();
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &b);
+        return double(b.tv_sec - a.tv_sec) * 1e3 + double(b.tv_nsec - a.tv_nsec) / 1e6;
+    };
+    auto show = [&](double a, double b) {
+        return timed([&] {
+            chart.ShowXRange(a, b);
+            chart.render(&image);
+        });
+    };
+    std::vector<double> all, scroll, zoom, stats;
+    for (int i = 0; i < 20; ++i)
+        all.push_back(show(first, last));
+    // Scroll a two-day window across the whole span, a tenth of the window per step.
+    const double span = 2.0;
+    for (double a = first; a + span <= last && scroll.size() < 400; a += span / 10)
+        scroll.push_back(show(a, a + span));
+    // Zoom in on the middle by halves down to a minute, and back out.
+    const double middle = first + (last - first) / 2;
+    std::vector<double> widths;
+    for (double width = last - first; width > 1.0 / 1440; width /= 2)
+        widths.push_back(width);
+    for (int pass = 0; pass < 3; ++pass) {
+        for (double width : widths)
+            zoom.push_back(show(middle - width / 2, middle + width / 2));
+        for (auto it = widths.rbegin(); it != widths.rend(); ++it)
+            zoom.push_back(show(middle - *it / 2, middle + *it / 2));
+    }
+    // A statistics refresh after the window and the cursor moved.
+    for (int i = 0; i < 100; ++i) {
+        const double a = first + (last - first - 1) * (i % 37) / 37.0;
+        chart.ShowXRange(a, a + (i % 2 ? 1.0 / 24 : 7.0));
+        chart.setCursorX(a + 0.01);
+        stats.push_back(timed([&] {
+            w.UpdateStatistics();
+            w.UpdateCursorDisplay();
+        }));
+    }
+    printTimings("repaint at zoom all", all);
+    printTimings("scroll step and repaint", scroll);
+    printTimings("zoom step and repaint", zoom);
+    printTimings("statistics and cursor refresh", stats);
 }
 
 double peakResidentMegabytes() {
@@ -111,8 +243,10 @@ int main(int argc, char** argv) {
     trendax::keepLargeBlocksForReuse();
     QStringList args = app.arguments();
     const bool json = args.removeAll(QStringLiteral("--json")) > 0;
+    const bool interactive = args.removeAll(QStringLiteral("--interact")) > 0;
     if (args.size() != 5) {
-        std::fprintf(stderr, "usage: trendax-load-bench APPFOLDER SITE START END [--json]\n");
+        std::fprintf(stderr,
+                     "usage: trendax-load-bench APPFOLDER SITE START END [--json] [--interact]\n");
         return 2;
     }
     const QString appFolder = args[1];
@@ -142,18 +276,33 @@ int main(int argc, char** argv) {
     window.show();
     QApplication::processEvents();
 
-    const double residentBefore = residentMegabytes();
-    QElapsedTimer timer;
-    timer.start();
     window.CopySelectedNode(&node, *start, *end);
+    double checksum = 0;
+    const Cost parsing = parseOnlyPass(window.NodeCopy, appFolder, checksum);
+
+    const double residentBefore = residentMegabytes();
+    const CostMeter meter;
     window.LoadWell();
-    const double seconds = timer.nsecsElapsed() / 1e9;
+    const Cost loading = meter.cost();
+    const double seconds = loading.wall;
 
     const double rows = window.LoadedRowTotal;
     std::printf("LoadWell: %.3f s, %.0f rows, %.0f rows/s, peak RSS %.1f MiB (%.1f MiB before the "
                 "load, chart %.1f MiB)\n",
                 seconds, rows, seconds > 0 ? rows / seconds : 0.0, peakResidentMegabytes(),
                 residentBefore, window.Strip1->model().allocatedBytes() / 1048576.0);
+    printCost("parse-only pass", parsing);
+    printCost("LoadWell", loading);
+    auto ratio = [](double a, double b) { return b > 0 ? a / b : 0.0; };
+    std::printf(
+        "LoadWell / parse-only: %.2f wall, %.2f user+system, %.2f user+system of the "
+        "window thread (checksum %g)\n",
+        ratio(loading.wall, parsing.wall),
+        ratio(loading.user + loading.system, parsing.user + parsing.system),
+        ratio(loading.threadUser + loading.threadSystem, parsing.threadUser + parsing.threadSystem),
+        checksum);
+    if (interactive)
+        interact(window);
     if (json) {
         QJsonObject o = report(window, appFolder);
         o["seconds"] = seconds;

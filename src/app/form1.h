@@ -10,6 +10,7 @@
 #include "history/usercomments.h"
 #include "loading/wellload.h"
 
+#include <QByteArray>
 #include <QElapsedTimer>
 #include <QMainWindow>
 #include <QPointer>
@@ -251,6 +252,8 @@ private:
     QPointer<dlgOpen> keptOpenDialog_;
     QPointer<frmCalibrate2> calibrationDialog_;
     QElapsedTimer eventPump_;
+    // The bytes of the data log being read, kept from day to day during a load.
+    QByteArray readBuffer_;
     int lastBandWidth_ = 0;
     bool resizing_ = false;
     bool cursorBusy_ = false;

@@ -2,8 +2,10 @@
 // reader's window side and the well loader.
 #include "app/form1.h"
 #include "calibration/factorfiles.h"
+#include "chart/blockpool.h"
 #include "chart/channellayouts.h"
 #include "chart/stripchart.h"
+#include "chart/stripchartmodel.h"
 #include "loading/datalog.h"
 #include "loading/dlgprogress.h"
 #include "loading/wellload.h"
@@ -29,6 +31,7 @@ void Form1::LoadQXL(const QString& path) {
     DataLogOptions options;
     options.debugOut = [this](const QString& message) { DebugOut(message); };
     options.dumpTable = bbDebugOut; // the dump is costly and nobody sees it with the log off
+    options.readBuffer = &readBuffer_;
     dlgProgress* progress = progress_;
     options.progress = [this, progress](qsizetype row, qsizetype rowCount) {
         // Every 1000 rows, but shown only when events are due to run: a progress bar repaints
@@ -154,6 +157,7 @@ void Form1::LoadWell() {
     bool busyPointer = false;
     const auto restoreWindow = [&] {
         lstHST->holdLayout(false);
+        readBuffer_ = QByteArray(); // only a load needs it
         if (progress_)
             progress_->close();
         delete progress_;
@@ -197,7 +201,13 @@ void Form1::LoadWell() {
         hooks.loadDay = [this](int fileNumber, int count, const QString& dataLog,
                                const QString& historyFile) {
             progress_->showFile(fileNumber, count);
+            const std::size_t chartBytes = Strip1->model().allocatedBytes();
             LoadQXL(dataLog);
+            // The next day will most likely need what this one took: have the chart's memory
+            // for it faulted in on the other core while its log is read.
+            const std::size_t dayBytes = Strip1->model().allocatedBytes();
+            if (fileNumber < count && dayBytes > chartBytes)
+                BlockPool::shared().prepare(dayBytes - chartBytes);
             LoadHistoryFile(historyFile);
         };
         const QString commentsFile = commentsFilePath(appFolder, SiteCode);

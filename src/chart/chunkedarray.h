@@ -1,8 +1,11 @@
 #pragma once
 
+#include "chart/blockpool.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <type_traits>
 #include <vector>
 
 namespace trendax {
@@ -12,9 +15,33 @@ namespace trendax {
 // growing std::vector. Whole blocks in front of an index can be released when old points are
 // dropped; the remaining values keep their indices, which the summaries and shared time
 // columns rely on.
+//
+// Blocks of exactly the pool's block size come from the shared BlockPool (huge pages, reused
+// from load to load); other sizes from the heap.
 template <class T, std::size_t BlockSize> class ChunkedArray {
     static_assert(BlockSize > 0 && (BlockSize & (BlockSize - 1)) == 0,
                   "block size must be a power of two");
+    static constexpr bool pooled = sizeof(T) * BlockSize == BlockPool::blockBytes;
+    static_assert(!pooled || std::is_trivially_copyable_v<T>,
+                  "pooled blocks hold plain values only");
+
+    // Frees a block the way it was taken.
+    struct BlockDeleter {
+        void operator()(T* block) const noexcept {
+            if constexpr (pooled)
+                BlockPool::shared().release(block);
+            else
+                delete[] block;
+        }
+    };
+    using Block = std::unique_ptr<T[], BlockDeleter>;
+
+    static Block newBlock() {
+        if constexpr (pooled)
+            return Block(static_cast<T*>(BlockPool::shared().allocate()));
+        else
+            return Block(new T[BlockSize]);
+    }
 
 public:
     static constexpr std::size_t blockSize = BlockSize;
@@ -38,9 +65,23 @@ public:
 
     void push_back(const T& value) {
         if (size_ % BlockSize == 0)
-            blocks_.push_back(std::make_unique_for_overwrite<T[]>(BlockSize));
+            blocks_.push_back(newBlock());
         blocks_.back()[size_ % BlockSize] = value;
         ++size_;
+    }
+
+    // Appends n values, a block's worth at a time.
+    void append(const T* values, std::size_t n) {
+        while (n > 0) {
+            if (size_ % BlockSize == 0)
+                blocks_.push_back(newBlock());
+            const std::size_t offset = size_ % BlockSize;
+            const std::size_t run = std::min(n, BlockSize - offset);
+            std::copy_n(values, run, blocks_.back().get() + offset);
+            values += run;
+            size_ += run;
+            n -= run;
+        }
     }
 
     void clear() {
@@ -71,7 +112,7 @@ public:
                 copy.blocks_.emplace_back();
                 continue;
             }
-            auto block = std::make_unique_for_overwrite<T[]>(BlockSize);
+            Block block = newBlock();
             const std::size_t used = std::min(BlockSize, n - b * BlockSize);
             std::copy_n(blocks_[b].get(), used, block.get());
             copy.blocks_.push_back(std::move(block));
@@ -84,11 +125,11 @@ public:
     // Heap bytes held: live blocks and the block table.
     std::size_t allocatedBytes() const {
         return (blocks_.size() - released_) * BlockSize * sizeof(T) +
-               blocks_.capacity() * sizeof(std::unique_ptr<T[]>);
+               blocks_.capacity() * sizeof(Block);
     }
 
 private:
-    std::vector<std::unique_ptr<T[]>> blocks_;
+    std::vector<Block> blocks_;
     std::size_t size_ = 0;
     std::size_t released_ = 0;
 };

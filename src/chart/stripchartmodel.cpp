@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <string>
 
@@ -21,13 +22,23 @@ struct StripChartModel::TimeColumn {
 
     void append(const XYArray& array) {
         const std::size_t n = array.count();
-        for (std::size_t i = 0; i < n; ++i) {
-            const double t = array.x(i);
-            const std::size_t at = x.size();
-            if (at > 0 && !(t >= x[at - 1]))
-                descents.push_back(at);
-            x.push_back(t);
+        const std::size_t from = x.size();
+        if (const std::vector<double>* shared = array.sharedX()) {
+            x.append(shared->data(), n);
+        } else {
+            for (std::size_t i = 0; i < n; ++i)
+                x.push_back(array.x(i));
         }
+        // The first new time is compared with the last one stored before it.
+        double previous = from > 0 ? x[from - 1] : 0.0;
+        std::size_t at = from;
+        x.forEachRun(from, x.size(), [&](const double* p, std::size_t count) {
+            for (std::size_t i = 0; i < count; ++i, ++at) {
+                if (at > 0 && !(p[i] >= previous))
+                    descents.push_back(at);
+                previous = p[i];
+            }
+        });
     }
 
     // Whether the array's X values equal, bit for bit, the times stored from position at on.
@@ -35,6 +46,15 @@ struct StripChartModel::TimeColumn {
         const std::size_t n = array.count();
         if (at < x.firstLiveIndex() || at + n > x.size())
             return false;
+        if (const std::vector<double>* shared = array.sharedX()) {
+            const double* p = shared->data();
+            bool same = true;
+            x.forEachRun(at, at + n, [&](const double* q, std::size_t count) {
+                same = same && std::memcmp(q, p, count * sizeof(double)) == 0;
+                p += count;
+            });
+            return same;
+        }
         for (std::size_t i = 0; i < n; ++i)
             if (std::bit_cast<std::uint64_t>(x[at + i]) != std::bit_cast<std::uint64_t>(array.x(i)))
                 return false;
@@ -335,8 +355,12 @@ void StripChartModel::addXYArray(int k, const XYArray& array) {
         s.time->append(array);
     }
 
-    for (std::size_t i = 0; i < n; ++i)
-        s.y.push_back(array.y(i));
+    if (array.sharedX()) {
+        s.y.append(array.data(), n);
+    } else {
+        for (std::size_t i = 0; i < n; ++i)
+            s.y.push_back(array.y(i));
+    }
     s.end += n;
     s.summary.update(s.y);
     s.invalidate();

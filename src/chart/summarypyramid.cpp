@@ -13,13 +13,14 @@ void SummaryPyramid::update(const ValueColumn& values) {
         return;
     {
         NodeColumn& nodes = levels_[0];
+        static_assert(ValueColumn::blockSize % fanout == 0, "a group lies inside one block");
         for (std::size_t j = nodes.size(); j < values.size() / fanout; ++j) {
-            Node node{values[j * fanout], values[j * fanout], 0.0, float(values[j * fanout]),
-                      float(values[(j + 1) * fanout - 1])};
-            for (std::size_t i = j * fanout; i < (j + 1) * fanout; ++i) {
-                const double v = values[i];
-                node.low = std::min(node.low, v);
-                node.high = std::max(node.high, v);
+            const double* group = &values[j * fanout];
+            Node node{group[0], group[0], 0.0, float(group[0]), float(group[fanout - 1])};
+            for (std::size_t i = 0; i < fanout; ++i) {
+                const double v = group[i];
+                node.low = v < node.low ? v : node.low;
+                node.high = v > node.high ? v : node.high;
                 node.sum += v;
             }
             nodes.push_back(node);

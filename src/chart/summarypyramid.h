@@ -36,16 +36,17 @@ struct RangeSummary {
 // Values of one series in the chart's block layout.
 using ValueColumn = ChunkedArray<double, 8192>;
 
-// Per-group minimum, maximum and sum over a value column, in levels of 16: level 1 summarises 16
-// values, level 2 16 level-1 nodes, and so on. A range query reads at most 2 x 15 entries per
-// level, so statistics and per-pixel minima/maxima never scan the points themselves. Sixteen
-// rather than a wider fanout: a pixel column of a month at zoom-all holds about 1,400 points,
-// and the narrower groups halve what its query reads. A node also keeps its first and last
-// value, the ends of a pixel column. All of it costs 2.1 bytes per point. Only complete groups
-// get a node, which keeps the summaries append-only.
+// Per-group minimum, maximum and sum over a value column, in levels of 64: level 1 summarises 64
+// values, level 2 64 level-1 nodes, and so on. A range query reads at most 2 x 63 entries per
+// level, so statistics and per-pixel minima/maxima never scan the points themselves. A node also
+// keeps its first and last value, the ends of a pixel column. All of it costs half a byte per
+// point: a month of 13 channels is 2.6 million rows, and at sixteen values a node its summaries
+// took 70 MB beside the 290 MB of points, enough to push a month's load past the memory a
+// laptop can spare for it; a repaint at zoom-all still reads whole nodes of the upper levels.
+// Only complete groups get a node, which keeps the summaries append-only.
 class SummaryPyramid {
 public:
-    static constexpr std::size_t fanout = 16;
+    static constexpr std::size_t fanout = 64;
 
     // Adds the nodes for values appended to the column since the last call.
     void update(const ValueColumn& values);
@@ -71,8 +72,9 @@ private:
         float first;
         float last;
     };
-    // Small blocks: the upper levels hold only a handful of nodes.
-    using NodeColumn = ChunkedArray<Node, 256>;
+    // Blocks of the pool's size, like the values': the upper levels waste most of theirs, but
+    // they are few, and level 1 is faulted in with huge pages instead of page by page.
+    using NodeColumn = ChunkedArray<Node, 2048>;
     std::vector<NodeColumn> levels_;
 };
 

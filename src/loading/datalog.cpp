@@ -383,14 +383,15 @@ DataLogResult Parser::run() {
                 QStringLiteral("\r\n") + dump());
     }
 
-    allocate();
+    if (options_.storeValues)
+        allocate();
     log(QStringLiteral("LoadQXL: memory allocated"));
     log(QStringLiteral("LoadQXL: begin loop; reccount = ") + QString::number(result_.rowCount));
     visitRows();
     log(QStringLiteral("LoadQXL: end load loop"));
 
     const auto kept = size_t(result_.rowCount - result_.badRowCount);
-    for (int k = 0; k < arrays_; ++k)
+    for (int k = 0; k < arrays_ && options_.storeValues; ++k)
         result_.channels[size_t(k)]->resize(kept);
     return std::move(result_);
 }
@@ -516,6 +517,15 @@ void Parser::generalRow(const char* b, const char* e, double values[channelSlots
 }
 
 void Parser::store(qsizetype r, double channel1, const double values[channelSlots]) {
+    if (!options_.storeValues) {
+        state_.XMin = std::min(timestamp_, state_.XMin);
+        state_.XMax = std::max(timestamp_, state_.XMax);
+        double sum = timestamp_ + channel1;
+        for (int k = 1; k < channelSlots; ++k)
+            sum += values[k];
+        result_.valueSum += sum;
+        return;
+    }
     const auto at = size_t(r);
     times_[at] = timestamp_;
     data_[0][at] = channel1;
@@ -570,6 +580,26 @@ void Parser::visitRows() {
     }
 }
 
+// Reads the whole file into the front of buffer, which only ever grows; the byte count, or -1
+// when reading failed. A file that grows while it is read is read to its new end.
+qsizetype readWhole(QFile& file, QByteArray& buffer) {
+    const qint64 expected = std::max<qint64>(file.size(), 0);
+    // One byte more than the file, so that the end shows without another pass.
+    if (buffer.size() <= expected)
+        buffer.resize(qsizetype(expected) + 1);
+    qsizetype size = 0;
+    for (;;) {
+        if (size == buffer.size())
+            buffer.resize(buffer.size() + buffer.size() / 2 + 4096);
+        const qint64 n = file.read(buffer.data() + size, buffer.size() - size);
+        if (n < 0)
+            return -1;
+        if (n == 0)
+            return size;
+        size += qsizetype(n);
+    }
+}
+
 } // namespace
 
 DataLogResult parseDataLog(QByteArrayView bytes, LoadState& state, const DataLogOptions& options) {
@@ -589,13 +619,15 @@ DataLogResult readDataLog(const QString& path, const QString& appFolder, LoadSta
         options.opened();
     // Read, not mapped: a mapped file that another program truncates while it is read would
     // bring the viewer down.
-    QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError) {
+    QByteArray own;
+    QByteArray& buffer = options.readBuffer ? *options.readBuffer : own;
+    qsizetype size = readWhole(file, buffer);
+    if (size < 0) {
         if (options.debugOut)
             options.debugOut(QStringLiteral("Rs1.Open() Err = ") + file.errorString());
-        bytes.clear();
+        size = 0;
     }
-    return parseDataLog(bytes, state, options);
+    return parseDataLog(QByteArrayView(buffer.constData(), size), state, options);
 }
 
 HandoverPlan planHandover(int numChannels) {

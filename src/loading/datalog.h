@@ -2,6 +2,7 @@
 
 #include "chart/xyarray.h"
 
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
 #include <array>
@@ -53,6 +54,13 @@ struct DataLogOptions {
     std::function<void()> opened;
     // Off: every row takes the general path (the fast path must give the same results).
     bool fastPath = true;
+    // Holds the file's bytes while readDataLog parses them. A load keeps one from file to file,
+    // so that every day is read into memory that is already there instead of a fresh mapping of
+    // ten megabytes, page by page. Null: the call reads into a buffer of its own.
+    QByteArray* readBuffer = nullptr;
+    // Off: every field is parsed as usual but no array is kept (a pass that measures parsing
+    // alone); the values only go into valueSum.
+    bool storeValues = true;
 };
 
 struct DataLogResult {
@@ -68,6 +76,9 @@ struct DataLogResult {
     // What the rows left the toolbar buttons "yscale" and "tracks" at; unset without good rows.
     std::optional<bool> yscaleEnabled;
     std::optional<bool> tracksEnabled;
+    // The sum of the time stamps and channel values of the good rows; only a pass without
+    // stored values computes it.
+    double valueSum = 0;
 };
 
 // Parses the bytes of one data log (Windows-1252, CR LF or LF, an optional UTF-8 byte order
