@@ -74,44 +74,65 @@ void appendField(QByteArray& row, const QString& text) {
     row += '"' + quoted.toUtf8() + '"';
 }
 
-void appendNumber(QByteArray& row, double value) {
-    if (!std::isfinite(value))
-        return;
-    char buf[32];
-    const auto r = std::to_chars(buf, buf + sizeof buf, value);
-    row.append(buf, r.ptr - buf);
-}
+// Rows are written into a fixed buffer of plain characters and handed to the device when it is
+// nearly full: a month of rows is tens of millions of small appends.
+class RowWriter {
+public:
+    RowWriter(QIODevice& out, std::size_t longestRow)
+        : out_(out), buffer_((1u << 20) + longestRow), limit_(1u << 20) {}
 
-void appendTimes(QByteArray& row, double t) {
-    if (!datetime::isCalendarYear(t)) {
-        // Not a date any calendar text can show: the day number in both columns.
-        appendNumber(row, t);
-        row += ',';
-        appendNumber(row, t);
-        return;
+    void put(char c) { *p_++ = c; }
+
+    void number(double value) {
+        if (std::isfinite(value))
+            p_ = std::to_chars(p_, p_ + 32, value).ptr;
     }
-    char buf[32];
-    row.append(buf, datetime::writeIso(t, buf));
-    row += ',';
-    row.append(buf, datetime::writeController(t, buf));
-}
 
-bool flush(QByteArray& bytes, QIODevice& out) {
-    const bool ok = out.write(bytes) == bytes.size();
-    bytes.clear();
-    return ok;
-}
+    void times(double t) {
+        if (!datetime::isCalendarYear(t)) {
+            // Not a date any calendar text can show: the day number in both columns.
+            number(t);
+            put(',');
+            number(t);
+            return;
+        }
+        p_ += datetime::writeIso(t, p_);
+        put(',');
+        p_ += datetime::writeController(t, p_);
+    }
+
+    // Ends a row; false when handing a full buffer to the device failed.
+    bool endRow() {
+        put('\r');
+        put('\n');
+        return std::size_t(p_ - buffer_.data()) < limit_ || flush();
+    }
+
+    bool flush() {
+        const qint64 n = p_ - buffer_.data();
+        p_ = buffer_.data();
+        return out_.write(buffer_.data(), n) == n;
+    }
+
+private:
+    QIODevice& out_;
+    std::vector<char> buffer_;
+    std::size_t limit_;
+    char* p_ = buffer_.data();
+};
 
 } // namespace
 
 bool writeVisible(const StripChartModel& model, const std::vector<Column>& columns,
                   QIODevice& out) {
-    QByteArray bytes = "Time,Controller Time";
+    QByteArray header = "Time,Controller Time";
     for (const Column& c : columns) {
-        bytes += ',';
-        appendField(bytes, c.name);
+        header += ',';
+        appendField(header, c.name);
     }
-    bytes += "\r\n";
+    header += "\r\n";
+    if (out.write(header) != header.size())
+        return false;
 
     // The readers are large (two blocks each): keep them off the stack.
     std::vector<std::unique_ptr<PointReader>> readers;
@@ -119,7 +140,8 @@ bool writeVisible(const StripChartModel& model, const std::vector<Column>& colum
     for (const Column& c : columns)
         readers.push_back(std::make_unique<PointReader>(model, c.variable));
 
-    constexpr qsizetype flushAt = 1 << 20;
+    // Two times of at most 32 characters, then a separator and a number of at most 32 each.
+    RowWriter rows(out, 80 + 33 * columns.size());
     for (;;) {
         double t = std::numeric_limits<double>::infinity();
         bool any = false;
@@ -131,19 +153,18 @@ bool writeVisible(const StripChartModel& model, const std::vector<Column>& colum
         }
         if (!any)
             break;
-        appendTimes(bytes, t);
+        rows.times(t);
         for (const auto& r : readers) {
-            bytes += ',';
+            rows.put(',');
             if (!r->done() && r->time() == t) {
-                appendNumber(bytes, r->value());
+                rows.number(r->value());
                 r->advance();
             }
         }
-        bytes += "\r\n";
-        if (bytes.size() >= flushAt && !flush(bytes, out))
+        if (!rows.endRow())
             return false;
     }
-    return flush(bytes, out);
+    return rows.flush();
 }
 
 } // namespace trendax::csvexport

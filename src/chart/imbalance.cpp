@@ -42,22 +42,51 @@ private:
     std::optional<Peak> peak_;
 };
 
-// Phases that share one time column and hold the same points: position i is one instant.
+// Phases that share one time column and hold the same points: position i is one instant. The
+// scan reads the three value columns in blocks and fetches a time only for the peak found; a
+// series whose times go back somewhere is read whole and filtered by time.
 std::optional<Peak> alignedPeak(const StripChartModel& model, const std::array<int, 3>& k,
                                 PeakFinder finder) {
     constexpr std::size_t block = 4096;
+    const bool ordered = model.isTimeOrdered(k[0]);
     std::array<double, block> times{};
     std::array<std::array<double, block>, 3> values{};
     const auto [first, last] = model.visibleRange(k[0]);
+    double best = -1.0;
+    std::size_t bestAt = 0;
     for (std::size_t i = first; i < last; i += block) {
         const std::size_t n = std::min(block, last - i);
-        model.readPoints(k[0], i, n, times.data(), values[0].data());
+        model.readPoints(k[0], i, n, ordered ? nullptr : times.data(), values[0].data());
         model.readPoints(k[1], i, n, nullptr, values[1].data());
         model.readPoints(k[2], i, n, nullptr, values[2].data());
-        for (std::size_t j = 0; j < n; ++j)
-            finder.add(times[j], values[0][j], values[1][j], values[2][j]);
+        if (!ordered) {
+            for (std::size_t j = 0; j < n; ++j)
+                finder.add(times[j], values[0][j], values[1][j], values[2][j]);
+            continue;
+        }
+        for (std::size_t j = 0; j < n; ++j) {
+            const double a = values[0][j];
+            const double b = values[1][j];
+            const double c = values[2][j];
+            const double mean = (a + b + c) / 3.0;
+            // A zero mean has no imbalance; a current that is not a number or infinite makes the
+            // deviation not a number, which never compares greater.
+            if (mean == 0.0)
+                continue;
+            const double p =
+                std::max({std::fabs(a - mean), std::fabs(b - mean), std::fabs(c - mean)}) /
+                std::fabs(mean);
+            if (p > best) {
+                best = p;
+                bestAt = i + j;
+            }
+        }
     }
-    return finder.result();
+    if (!ordered)
+        return finder.result();
+    if (best < 0.0)
+        return std::nullopt;
+    return Peak{100.0 * best, model.point(k[0], bestAt).time};
 }
 
 // The latest point of variable k at or before t, walking forward from position at.
