@@ -6,6 +6,7 @@
 #include "chart/imbalance.h"
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
+#include "loading/dlgprogress.h"
 #include "opendlg/dlgopen.h"
 #include "storage/atomicfile.h"
 #include "storage/datetime.h"
@@ -188,6 +189,10 @@ void Form1::PrintSiteReport() {
 // ---- Imbalance ----
 
 void Form1::UpdateImbalance() {
+    // A load refreshes the statistics after every day; the window's peak would be scanned again
+    // for each of them. It is read once the load has ended.
+    if (progress_)
+        return;
     const auto reading = imbalance_.read(Strip1->model(), channelNames());
     const QString text = reading ? imbalance::statusText(*reading) : QString();
     imbalancePanel->setText(text);
