@@ -186,7 +186,9 @@ int appendLineOrError(const QString& path, const QString& line) {
     const QByteArray bytes = encode(line) + "\r\n";
 
     bool created = false;
-    int fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    // A symbolic link in the file's place is never written through: it may lead anywhere, out of
+    // the program's folders too. The append fails instead, and the link's target is left alone.
+    int fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NOFOLLOW);
     if (fd < 0 && errno == ENOENT) {
         fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         created = fd >= 0;
