@@ -234,8 +234,8 @@ TEST_P(DataLogChangedBeforeTheLoad, LoadsWhatIsThereOrNamesTheFileAndWhy) {
 INSTANTIATE_TEST_SUITE_P(
     Faults, DataLogChangedBeforeTheLoad,
     testing::Values(
-        ChangedDataLog{"Deleted", [](const QString& p) { return int(!QFile::remove(p)) * 40; },
-                       false, true},
+        ChangedDataLog{"Deleted", [](const QString& p) { return QFile::remove(p) ? 0 : 40; }, false,
+                       true},
         ChangedDataLog{"ReplacedByAFolder",
                        [](const QString& p) {
                            QFile::remove(p);
