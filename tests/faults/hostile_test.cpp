@@ -17,6 +17,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <ostream>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -201,6 +202,10 @@ struct ChangedDataLog {
     bool changeAfterOpening = false;
     bool fails = false; // the load ends with a message naming the file
 };
+
+void PrintTo(const ChangedDataLog& change, std::ostream* out) {
+    *out << change.name;
+}
 
 class DataLogChangedBeforeTheLoad : public testing::TestWithParam<ChangedDataLog> {};
 
