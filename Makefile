@@ -59,9 +59,11 @@ bench: deps
 	cmake --build build/bench -j$(JOBS)
 	@echo "Benchmarks are in build/bench/bench/."
 
+# make fuzz SECONDS=N runs every fuzz target for N seconds (default 60) and prints a summary.
+SECONDS ?= 60
 fuzz: deps
 	@$(MAKE) --no-print-directory install-packages PACKAGES="$(FUZZ_PACKAGES)"
-	./fuzz/run.sh
+	./fuzz/run.sh $(SECONDS)
 
 # A Debian package of the Release build in build/package/: the program, its desktop entry,
 # icons, metadata and manual page. Install it with `apt-get install ./build/package/FILE.deb`.

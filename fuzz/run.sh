@@ -1,8 +1,13 @@
 #!/bin/sh
-# Builds every fuzz target with clang and libFuzzer in build/fuzz and runs each for a while.
-# Usage: fuzz/run.sh [seconds per target, default 60]
+# Builds every fuzz target with clang and libFuzzer in build/fuzz and runs each for a while, then
+# prints one line per target: its executions, and its findings (crash, leak, time-out and
+# out-of-memory files that libFuzzer left in build/fuzz/findings/).
+# Usage: fuzz/run.sh [seconds per target, default 60] [target...]
+# With RUNS=N in the environment a target stops after N executions or the seconds, which first.
 set -eu
 seconds=${1:-60}
+runs_limit=${RUNS:--1}
+[ $# -gt 0 ] && shift
 root=$(cd "$(dirname "$0")/.." && pwd)
 build="$root/build/fuzz"
 jobs=${JOBS:-2}
@@ -12,14 +17,20 @@ cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DCMAKE_CXX_FLAGS="-fsanitize=fuzzer-no-link" \
     -DTRENDAX_FUZZ=ON -DTRENDAX_SANITIZE=ON -DTRENDAX_BENCH=OFF >/dev/null
 
-targets=$(cmake --build "$build" --target help |
-    sed -n 's/^\.\.\. \(fuzz_[A-Za-z0-9_]*\).*/\1/p' | grep -v '_autogen' | grep -v '_replay$' || true)
+if [ $# -gt 0 ]; then
+    targets=$*
+else
+    targets=$(cmake --build "$build" --target help |
+        sed -n 's/^\.\.\. \(fuzz_[A-Za-z0-9_]*\).*/\1/p' | grep -v '_autogen' | grep -v '_replay$' || true)
+fi
 [ -n "$targets" ] || { echo "no fuzz targets found" >&2; exit 1; }
 
 for target in $targets; do
-    cmake --build "$build" --target "$target" -j"$jobs"
+    cmake --build "$build" --target "$target" -j"$jobs" >/dev/null
 done
 
+mkdir -p "$build/findings" "$build/logs"
+summary=""
 for target in $targets; do
     # fuzz_<subsystem>_<name>: seeds in fuzz/<subsystem>/corpus/<name>, else fuzz/<subsystem>/corpus.
     rest=${target#fuzz_}
@@ -31,7 +42,23 @@ for target in $targets; do
     mkdir -p "$work"
     binary=$(find "$build/fuzz" -type f -name "$target" -perm -u+x | head -n 1)
     [ -n "$binary" ] || { echo "$target was not built" >&2; exit 1; }
-    echo "== $target for ${seconds}s (seeds: $seeds)"
-    ASAN_OPTIONS=detect_leaks=0 "$binary" -max_total_time="$seconds" -rss_limit_mb=2048 \
-        -artifact_prefix="$build/$target-" "$work" "$seeds"
+    log="$build/logs/$target.log"
+    echo "== $target for ${seconds}s (seeds: $seeds, log: $log)"
+    before=$(ls "$build/findings" | grep -c "^$target-" || true)
+    # Leaks are checked: the targets free what they make.
+    status=0
+    "$binary" -max_total_time="$seconds" -runs="$runs_limit" -rss_limit_mb=2048 -timeout=25 \
+        -print_final_stats=1 \
+        -artifact_prefix="$build/findings/$target-" "$work" "$seeds" >"$log" 2>&1 || status=$?
+    after=$(ls "$build/findings" | grep -c "^$target-" || true)
+    runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
+    [ -n "$runs" ] || runs=$(sed -n 's/^#\([0-9]*\).*/\1/p' "$log" | tail -n 1)
+    took=$(sed -n 's/^Done [0-9]* runs in \([0-9]*\) second.*/\1/p' "$log" | tail -n 1)
+    line=$(printf '%-28s %12s executions in %6ss, findings: %d (exit %d)' \
+        "$target" "${runs:-0}" "${took:-$seconds}" "$((after - before))" "$status")
+    echo "$line"
+    summary="$summary$line
+"
 done
+echo "== summary"
+printf '%s' "$summary"

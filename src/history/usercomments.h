@@ -11,7 +11,7 @@
 
 // The user's comments on a site: one file per site in the home folder, site + "USEREVENTS.TXT",
 // one line per comment, "MM/DD/YYYY HH:MM:SS" + " " + the comment as typed, in Windows-1252 with
-// CR LF. New comments are appended; the file is never rewritten.
+// CR LF. New comments are added at the end; the lines already there never change.
 //
 // A comment is stored byte for byte as typed, TABs, commas and quotes included. A character that
 // Windows-1252 has no code for is stored as "?" (the program's text files are Windows-1252 and

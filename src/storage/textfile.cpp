@@ -41,6 +41,47 @@ void syncFolder(const QByteArray& file) {
     }
 }
 
+// Reads a whole file from its start; false with errno set on failure.
+bool readAll(int fd, QByteArray& bytes) {
+    std::array<char, 65536> buffer;
+    for (;;) {
+        const ssize_t n = ::read(fd, buffer.data(), buffer.size());
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0)
+            return false;
+        if (n == 0)
+            return true;
+        bytes.append(buffer.data(), n);
+    }
+}
+
+// The all-or-nothing append to a regular file that the caller could open for writing: its bytes
+// and the line go to a temporary file with its permissions, synced, then renamed over it.
+// Returns 0 or the error number; on failure the file is left as it was.
+int replaceWithLineAdded(const QByteArray& name, const struct stat& before, QByteArrayView line) {
+    QByteArray bytes;
+    const int in = ::open(name.constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    if (in < 0)
+        return errno;
+    bytes.reserve(qsizetype(before.st_size) + line.size());
+    const bool read = readAll(in, bytes);
+    const int readError = errno;
+    ::close(in);
+    if (!read)
+        return readError;
+    bytes.append(line);
+
+    // The file keeps its permissions; the old one stays until the new one is whole on disk.
+    AtomicFile file(QFile::decodeName(name));
+    if (!file.open(QIODevice::WriteOnly))
+        return file.error();
+    if (file.write(bytes) != bytes.size() || !file.commit())
+        return file.error() != 0 ? file.error() : EIO;
+    syncFolder(name);
+    return 0;
+}
+
 bool isBlankLine(QStringView line) {
     for (const QChar c : line) {
         if (c != QLatin1Char(' ') && c != QLatin1Char('\t'))
@@ -147,7 +188,9 @@ int appendLineOrError(const QString& path, const QString& line) {
     const QByteArray bytes = encode(line) + "\r\n";
 
     bool created = false;
-    int fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    // A symbolic link in the file's place is never written through: it may lead anywhere, out of
+    // the program's folders too. The append fails instead, and the link's target is left alone.
+    int fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NOFOLLOW);
     if (fd < 0 && errno == ENOENT) {
         fd = ::open(name.constData(), O_WRONLY | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
         created = fd >= 0;
@@ -159,6 +202,16 @@ int appendLineOrError(const QString& path, const QString& line) {
     if (::fstat(fd, &before) != 0) {
         const int error = errno;
         ::close(fd);
+        return error;
+    }
+    // A regular file gets its old bytes and the new line in a temporary file beside it, renamed
+    // over it: the kernel may stop a process that is killed in the middle of a write of more than
+    // a page, and a torn line would then stay in the file for good.
+    if (S_ISREG(before.st_mode)) {
+        const int error = replaceWithLineAdded(name, before, bytes);
+        ::close(fd);
+        if (error != 0 && created)
+            ::unlink(name.constData());
         return error;
     }
     if (writeAllBytes(fd, bytes) && ::fsync(fd) == 0) {

@@ -35,7 +35,10 @@ std::optional<QString> readFirstLine(const QString& path);
 bool writeLines(const QString& path, const QStringList& lines);
 // Appends one line and CR LF, creating the file when missing. The line is on disk (synced)
 // before this reports success; on failure the file holds exactly the bytes it held before (a
-// partly written line is cut off again, a file it created is removed).
+// partly written line is cut off again, a file it created is removed). A regular file is
+// replaced by a copy with the line added, renamed over it, so that even a process killed in the
+// middle of the write leaves the line whole or absent. A symbolic link in the
+// file's place is refused (ELOOP), never written through.
 bool appendLine(const QString& path, const QString& line);
 // The same, telling why: 0 when the line is stored, otherwise the error number.
 int appendLineOrError(const QString& path, const QString& line);
