@@ -161,6 +161,7 @@ void Form1::LoadWell() {
         if (progress_)
             progress_->close();
         delete progress_;
+        UpdateImbalance(); // skipped while the days were loading
         setEnabled(true);
         raise();
         activateWindow();
