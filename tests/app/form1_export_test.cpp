@@ -100,6 +100,16 @@ TEST_F(Exports, EachFormatReadsBack) {
     EXPECT_TRUE(dialogs.messages.empty());
 }
 
+TEST_F(Exports, CsvOfAOneChannelLogHoldsTheCalibratedValues) {
+    scratch.write("cnffiles/AB12scal.txt", "2\r\n");
+    scratch.write("cnffiles/AB12offs.txt", "-1\r\n");
+    loadDay("AB12,03/15/12,00:00:00.00,10\r\nAB12,03/15/12,00:00:01.00,20\r\n");
+    ASSERT_EQ(w->exportViewTo(scratch.file("one.csv")), QString());
+    EXPECT_EQ(scratch.read("one.csv"), "Time,Controller Time,Channel 1\r\n"
+                                       "2012-03-15T00:00:00,03/15/12 00:00:00,19\r\n"
+                                       "2012-03-15T00:00:01,03/15/12 00:00:01,39\r\n");
+}
+
 TEST_F(Exports, AFailedWriteNamesTheFileAndLeavesNothing) {
     loadDefault();
     const QString folder = scratch.mkdir("taken.pdf");
