@@ -189,32 +189,29 @@ void BM_StatisticsRefresh91(benchmark::State& state) {
 
 // ---- Commands of the main window, each with its repaint at 1920 x 1080 ----
 
-// One step of a held scroll button over the whole month in view: a tenth of the window, then
-// the repaint. The steps go right and left in turn so that the window stays over the data.
-void BM_HeldScrollStep(benchmark::State& state) {
-    StripChart& chart = bigChart();
-    chart.ShowXRange(firstDay, firstDay + days);
-    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
-    int i = 0;
-    for (auto _ : state) {
-        navigation::scrollTime(chart.model(), i++ % 2);
-        chart.render(&image);
-        benchmark::DoNotOptimize(image.constBits());
-    }
-}
-
-// One zoom step about the cursor between the whole month and half of it, then the repaint.
-void BM_ZoomStep(benchmark::State& state) {
+// A command of the main window and its repaint, from the whole month in view with the cursor in
+// the middle; step gets 0 and 1 in turn so that the window stays over the data.
+template <class Step> void commandWithRepaint(benchmark::State& state, Step step) {
     StripChart& chart = bigChart();
     chart.ShowXRange(firstDay, firstDay + days);
     chart.setCursorX(firstDay + days / 2);
     QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
     int i = 0;
     for (auto _ : state) {
-        navigation::zoomTime(chart.model(), i++ % 2);
+        step(chart.model(), i++ % 2);
         chart.render(&image);
         benchmark::DoNotOptimize(image.constBits());
     }
+}
+
+// One step of a held scroll button: a tenth of the window left or right.
+void BM_HeldScrollStep(benchmark::State& state) {
+    commandWithRepaint(state, navigation::scrollTime);
+}
+
+// One zoom step about the cursor between the whole month and half of it.
+void BM_ZoomStep(benchmark::State& state) {
+    commandWithRepaint(state, navigation::zoomTime);
 }
 
 // One refresh of the statistics panel: the 91 queries after the window and the cursor moved,
