@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHeaderView>
-#include <QListWidget>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QStatusBar>
@@ -23,8 +22,7 @@ protected:
     void loadSite() {
         writeDay("AB12", "031412", 1, 1440);
         writeDay("AB12", "031512", 1, 1440);
-        scratch.write("logfiles/AB12031412.TXT",
-                      "OLD     03/14 01:00:00\r\nULD 03/14 02:00:00\r\n");
+        scratch.write("logfiles/AB12031412.TXT", "OLD     03/14 01:00:00\r\n");
         scratch.write("logfiles/AB12031512.TXT",
                       "OLD     03/15 10:22:33 0\r\nno time here\r\nPWRF    03/15 11:00:00\r\n");
         scratch.write("logfiles/AB12USEREVENTS.TXT", "12/31/2011 08:00:00 old year\r\n"
@@ -33,8 +31,6 @@ protected:
         load("AB12", {"031412", "031512"}, mar15, mar15);
     }
 
-    QStringList listEntries() const { return w->lstHST->entries(); }
-
     QStringList gridRows() const {
         QStringList out;
         for (int r = 0; r < w->gridHistoryEvents->rowCount(); ++r)
@@ -42,39 +38,33 @@ protected:
                        w->gridHistoryEvents->item(r, 1)->text();
         return out;
     }
-
-    const QString comments = scratch.file("logfiles/AB12USEREVENTS.TXT");
 };
 
 TEST_F(HistoryColumn, ALoadListsTheDaysEventsAndTheSortedComments) {
     loadSite();
-    EXPECT_EQ(listEntries(),
+    loadSite(); // a second load starts from empty lists
+    EXPECT_EQ(w->lstHST->entries(),
               (QStringList{"03/15/12 10:22:33 - Overload", "03/15/12 10:22:33 - Overload",
                            "03/15/12 11:00:00 - Power Failed"}));
     // Month first; the TAB typed into a comment stays in its comment cell.
     EXPECT_EQ(gridRows(),
               (QStringList{"01/02/2013 10:00:00|new year", "03/15/2012 09:00:00|b\tsecond",
                            "12/31/2011 08:00:00|old year"}));
-    loadSite(); // a second load starts from empty lists
-    EXPECT_EQ(w->lstHST->count(), 3);
-    EXPECT_EQ(w->gridHistoryEvents->rowCount(), 3);
 }
 
 TEST_F(HistoryColumn, AddCommentAsksNothingWithoutASiteAndStoresTheAnswerByteForByte) {
     w->cmdAddComment->click();
     EXPECT_TRUE(dialogs.inputPrompts.isEmpty());
-    EXPECT_EQ(w->gridHistoryEvents->rowCount(), 0);
     loadSite();
     const QByteArray before = scratch.read("logfiles/AB12USEREVENTS.TXT");
     w->Strip1->setCursorX(mar15 + 0.5);
-    dialogs.inputAnswers = {QString()}; // cancelled
-    w->cmdAddComment->click();
+    dialogs.inputAnswers = {QString(), QStringLiteral("pump, \"ok\"\tcaf\u00e9")};
+    w->cmdAddComment->click(); // cancelled
     EXPECT_EQ(dialogs.inputPrompts,
               QStringList{"Enter a comment to store for " + datetime::formatGeneral(mar15 + 0.5)});
     EXPECT_EQ(scratch.read("logfiles/AB12USEREVENTS.TXT"), before);
     EXPECT_EQ(w->gridHistoryEvents->rowCount(), 3);
 
-    dialogs.inputAnswers = {QStringLiteral("pump, \"ok\"\tcaf\u00e9")};
     w->cmdAddComment->click();
     EXPECT_EQ(scratch.read("logfiles/AB12USEREVENTS.TXT"),
               before + "03/15/2012 12:00:00 pump, \"ok\"\tcaf\xe9\r\n");
@@ -87,6 +77,7 @@ TEST_F(HistoryColumn, AddCommentAsksNothingWithoutASiteAndStoresTheAnswerByteFor
 
 TEST_F(HistoryColumn, AFailedAppendTakesTheRowBackAndSaysWhy) {
     loadSite();
+    const QString comments = scratch.file("logfiles/AB12USEREVENTS.TXT");
     QFile::remove(comments);
     ASSERT_TRUE(QDir().mkpath(comments)); // a folder where the file belongs
     dialogs.inputAnswers = {QStringLiteral("lost?")};
@@ -98,31 +89,22 @@ TEST_F(HistoryColumn, AFailedAppendTakesTheRowBackAndSaysWhy) {
     EXPECT_TRUE(QFileInfo(comments).isDir());
 }
 
-class CentringOnAnEvent : public HistoryColumn, public ::testing::WithParamInterface<double> {};
-
-TEST_P(CentringOnAnEvent, KeepsTheSpanAroundTheEvent) {
+TEST_F(HistoryColumn, AnEventCentresTheViewKeepingItsSpan) {
     loadSite();
-    const double span = GetParam(), t = mar15 + 11 / 24.0;
-    w->Strip1->setXSpan(span);
-    emit w->frameHist->eventClicked(2);
-    EXPECT_NEAR(w->Strip1->XViewStart(), t - span / 2, 1e-9);
-    EXPECT_NEAR(w->Strip1->XSpan(), span, 1e-9);
-    EXPECT_DOUBLE_EQ(w->Strip1->CursorX(), t);
-    EXPECT_TRUE(w->lblCursor->text().contains(datetime::formatGeneral(t)));
-}
-
-INSTANTIATE_TEST_SUITE_P(Spans, CentringOnAnEvent, ::testing::Values(1 / 24.0, 30.0),
-                         [](const auto& info) {
-                             return std::string(info.param < 1 ? "OneHour" : "ThirtyDays");
-                         });
-
-TEST_F(HistoryColumn, AnEntryWithoutATimeLeavesTheChartAndSaysSo) {
-    loadSite();
+    const double t = mar15 + 11 / 24.0;
+    for (const double span : {1 / 24.0, 30.0}) {
+        SCOPED_TRACE(span);
+        w->Strip1->setXSpan(span);
+        emit w->frameHist->eventClicked(2);
+        EXPECT_NEAR(w->Strip1->XViewStart(), t - span / 2, 1e-9);
+        EXPECT_NEAR(w->Strip1->XSpan(), span, 1e-9);
+        EXPECT_DOUBLE_EQ(w->Strip1->CursorX(), t);
+        EXPECT_TRUE(w->lblCursor->text().contains(datetime::formatGeneral(t)));
+    }
+    // An entry without a time leaves the chart and says so in the status bar.
     w->lstHST->insertItem(0, QString());
-    const double start = w->Strip1->XViewStart(), cursor = w->Strip1->CursorX();
     w->lstHST_Click(0);
-    EXPECT_EQ(w->Strip1->XViewStart(), start);
-    EXPECT_EQ(w->Strip1->CursorX(), cursor);
+    EXPECT_DOUBLE_EQ(w->Strip1->CursorX(), t);
     EXPECT_FALSE(w->StatusBar1->currentMessage().isEmpty());
     EXPECT_TRUE(dialogs.messages.empty());
 }

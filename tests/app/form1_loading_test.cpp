@@ -1,11 +1,15 @@
-// Loading a site through the main window: the reader's window side, the well loader's range
-// and failure rules, the layouts, the hand-over slots and the buffer.
+// Loading a site through the main window: the open command's whole road, the well loader's
+// range and failure rules, the hand-over slots, the buffer, and the helper thread.
+#include "chart/blockpool.h"
 #include "mainwindowtest.h"
+#include "synthetic.h"
 
-#include <QAction>
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QProgressBar>
+#include <QTimer>
 
 namespace trendax::test {
 namespace {
@@ -15,8 +19,7 @@ using LoadingASite = MainWindowTest;
 TEST_F(LoadingASite, ASiteWithoutDaysClearsTheChartAndFails) {
     const QString old = QDir::currentPath();
     ASSERT_TRUE(QDir::setCurrent(scratch.path()));
-    writeDay("AB12", "031512", 5);
-    load("AB12", {"031512"}, mar15, mar15);
+    loadChannels(5);
     ASSERT_EQ(points(0), 10u);
     w->bbDebugOut = true;
     load("CD34", {}, mar15, mar15);
@@ -75,7 +78,7 @@ TEST_F(LoadingASite, ADeletedDataLogEndsTheLoadKeepingTheDaysBefore) {
 TEST_F(LoadingASite, TheBufferGrowsToTheRowsOfTheWholeLoad) {
     const QStringList days = {"031412", "031512", "031612"};
     for (const QString& d : days)
-        writeDay("AB12", d, 5, 1440);             // a row a minute, a whole day
+        writeDay("AB12", d, 5, 1440);
     load("AB12", days, mar14 + 0.9, mar16 + 0.1); // by calendar day: the three days whole
     EXPECT_EQ(w->LoadedRowTotal, 3 * 1440);
     EXPECT_EQ(w->Strip1->MaxBufferSize(), 20000); // never lowered
@@ -87,75 +90,20 @@ TEST_F(LoadingASite, TheBufferGrowsToTheRowsOfTheWholeLoad) {
     EXPECT_EQ(w->LoadedRowTotal, 1440);
 }
 
-// Every site has factor files; only one-channel logs are calibrated and enable "Calibrate".
-struct ChannelCount {
-    const char* name;
-    int channels;
-    double firstValue; // channel 1's first value as charted: 100 raw, 2 * 100 - 1 calibrated
-    bool calibrate, tracks, quillChannels;
-    int trackCount;
-    int row; // a statistics row and its channel name
-    const char* rowName;
-};
-
-class LoadingChannels : public MainWindowTest,
-                        public ::testing::WithParamInterface<ChannelCount> {};
-
-TEST_P(LoadingChannels, ChooseTheLayoutAndTheCommands) {
-    const ChannelCount& c = GetParam();
-    writeDay("AB12", "031512", c.channels);
-    scratch.write("cnffiles/AB12SCAL.TXT", "2\r\n");
-    scratch.write("cnffiles/ab12offs.txt", "-1\r\n");
-    load("AB12", {"031512"}, mar15, mar15);
-    EXPECT_DOUBLE_EQ(w->mScale, 2);
-    EXPECT_DOUBLE_EQ(w->mOffset, -1);
-    EXPECT_DOUBLE_EQ(w->Strip1->DataMin(0), c.firstValue);
-    EXPECT_EQ(w->toolButton("yscale")->isEnabled(), c.calibrate);
-    EXPECT_EQ(w->toolButton("tracks")->isEnabled(), c.tracks);
-    EXPECT_EQ(w->mnuQuillChannels->isEnabled(), c.quillChannels);
-    EXPECT_EQ(w->Strip1->TrackCount(), c.trackCount);
-    EXPECT_EQ(w->stats[c.row].lblVar->text(), QString::fromLatin1(c.rowName));
-    EXPECT_EQ(points(c.channels - 1), 10u);
-    if (c.channels < 13) {
-        EXPECT_EQ(points(c.channels), 0u);
-    }
-    if (c.channels > 5) {
-        // All thirteen slots are handed over: quill channels 1-3 shown, 4-8 hidden, in step.
-        w->Strip1->setCurrentVar(6);
-        EXPECT_TRUE(w->Strip1->VarVisible());
-        EXPECT_TRUE(w->mnuChannel[1]->isChecked());
-        w->Strip1->setCurrentVar(8);
-        EXPECT_FALSE(w->Strip1->VarVisible());
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Logs, LoadingChannels,
-    ::testing::Values(ChannelCount{"One", 1, 199, true, true, false, 1, 0, "Channel 1"},
-                      ChannelCount{"Five", 5, 100, false, true, false, 5, 3, "A B Voltage"},
-                      ChannelCount{"Eight", 8, 100, false, false, false, 3, 7, "Expansion"},
-                      ChannelCount{"Thirteen", 13, 100, false, false, true, 3, 12,
-                                   "Quill Channel 8"}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST_F(LoadingASite, SixChannelsHandOverTheSlotsOfAnEarlierLoad) {
-    writeDay("AB12", "031512", 13);
-    writeDay("CD34", "031612", 6, 4);
-    load("AB12", {"031512"}, mar15, mar15);
-    load("CD34", {"031612"}, mar16, mar16);
-    EXPECT_EQ(w->numChannels, 6);
-    EXPECT_EQ(points(5), 4u);
-    // Slots 7 to 13 were not filled by this load: they receive the earlier load's arrays.
-    EXPECT_EQ(points(6), 10u);
-    EXPECT_EQ(points(12), 10u);
-}
-
-TEST_F(LoadingASite, EightyEightChannelsLoadButHandNothingOver) {
-    writeDay("AB12", "031512", 88, 3);
-    load("AB12", {"031512"}, mar15, mar15);
+// Slots a load does not fill keep the arrays of the load before; 88 channels hand none over.
+TEST_F(LoadingASite, SixChannelsHandOverTheSlotsOfAnEarlierLoadAndEightyEightNone) {
+    loadChannels(88, 3);
     EXPECT_EQ(w->numChannels, 88);
     EXPECT_EQ(points(0), 0u);
     EXPECT_DOUBLE_EQ(w->XMin, mar15);
+
+    writeDay("CD34", "031612", 6, 4);
+    loadChannels(13);
+    load("CD34", {"031612"}, mar16, mar16);
+    EXPECT_EQ(w->numChannels, 6);
+    EXPECT_EQ(points(5), 4u);
+    EXPECT_EQ(points(6), 10u);
+    EXPECT_EQ(points(12), 10u);
 }
 
 // The section names the file as the loader builds its name (site, date code, ".csv"), not as
@@ -168,6 +116,143 @@ TEST_F(LoadingASite, SchemaIniNamesTheBuiltFileNameNotTheOneOnDisk) {
     EXPECT_EQ(scratch.read("logfiles/Schema.ini"),
               QByteArray("[AB12031512.csv]\r\nFormat=CSVDelimited\r\nCharacterSet=ANSI\r\n"
                          "DecimalSymbol=.\r\n"));
+}
+
+// A 13-channel day of one row every two seconds, with a bad row and a 12-hour time in it.
+QByteArray dayLog(const QString& mmddyy, int rows) {
+    QByteArray out;
+    for (int r = 0; r < rows; ++r) {
+        const int s = 2 * r;
+        out +=
+            "AB12," + (mmddyy.left(2) + '/' + mmddyy.mid(2, 2) + '/' + mmddyy.mid(4, 2)).toLatin1();
+        out += r == 7 ? QByteArray(",1:00:14 PM")
+                      : QStringLiteral(",%1:%2:%3.25")
+                            .arg(s / 3600, 2, 10, QChar('0'))
+                            .arg(s / 60 % 60, 2, 10, QChar('0'))
+                            .arg(s % 60, 2, 10, QChar('0'))
+                            .toLatin1();
+        for (int k = 1; k <= 13; ++k)
+            out += ',' +
+                   (r == 11 && k == 1 ? QByteArray() : QByteArray::number(k * 10 + r % 97) + ".5");
+        out += "\r\n";
+    }
+    return out;
+}
+
+// A load's diagnostic lines without their time stamps, and each variable's points in turn.
+struct Load {
+    QStringList log;
+    std::vector<std::vector<double>> points;
+};
+
+class ThreadedLoad : public MainWindowTest {
+protected:
+    ThreadedLoad() {
+        for (const QString& d : days)
+            scratch.write("logfiles/AB12" + d + ".CSV", dayLog(d, 30000));
+    }
+    ~ThreadedLoad() override { BlockPool::shared().setHelperEnabled(true); }
+
+    Load loadAll(bool helper) {
+        BlockPool::shared().setHelperEnabled(helper);
+        w = std::make_unique<Form1>(env, dialogs);
+        BlockPool::shared().trim(); // free blocks of earlier windows would spare the helper
+        const QString old = QDir::currentPath();
+        QDir::setCurrent(scratch.path());
+        QFile::remove(QStringLiteral("TXDebug.txt"));
+        w->bbDebugOut = true;
+        load("AB12", days, mar14, mar16);
+        w->bbDebugOut = false;
+        QDir::setCurrent(old);
+        BlockPool::shared().waitPrepared();
+
+        Load result;
+        for (const QString& line : QString::fromLatin1(scratch.read("TXDebug.txt")).split("\r\n"))
+            result.log << line.mid(line.indexOf(QStringLiteral(": \t")) + 3);
+        for (int k = 0; k < StripChartModel::variableCount; ++k) {
+            result.points.emplace_back();
+            for (std::size_t i = 0; i < points(k); ++i)
+                result.points.back().insert(
+                    result.points.back().end(),
+                    {w->Strip1->model().point(k, i).time, w->Strip1->model().point(k, i).value});
+        }
+        return result;
+    }
+
+    const QStringList days = {"031412", "031512", "031612"};
+};
+
+TEST_F(ThreadedLoad, FaultingInAheadChangesNeitherTheDiagnosticLogNorThePoints) {
+    const std::size_t regionsBefore = BlockPool::shared().helperRegions();
+    const Load threaded = loadAll(true);
+    const std::size_t regionsAfter = BlockPool::shared().helperRegions();
+    EXPECT_GT(regionsAfter, regionsBefore) << "the helper thread had nothing to do";
+    const Load sequential = loadAll(false);
+    EXPECT_EQ(BlockPool::shared().helperRegions(), regionsAfter);
+
+    ASSERT_GT(sequential.log.size(), 30);
+    EXPECT_TRUE(sequential.log.contains(QStringLiteral("LoadQXL: Badrowcount = 1")));
+    EXPECT_EQ(threaded.log, sequential.log);
+    EXPECT_EQ(sequential.points[0].size(), 2 * 3u * 29999u);
+    for (int k = 0; k < StripChartModel::variableCount; ++k)
+        EXPECT_TRUE(threaded.points[k] == sequential.points[k]) << "variable " << k;
+}
+
+class OpenCommand : public MainWindowTest {
+protected:
+    OpenCommand() {
+        EXPECT_TRUE(gen::writeSite({.site = "WL05",
+                                    .channels = 5,
+                                    .start = QDate(2012, 3, 14),
+                                    .days = 3,
+                                    .rowsPerDay = 240,
+                                    .naming = gen::Naming::Controller},
+                                   media.path()));
+    }
+
+    // Runs the open command; `drive` acts on the modal dialog once it is up, after importing
+    // the media when asked to.
+    void open(bool import, const std::function<void(dlgOpen&)>& drive) {
+        bool driven = false;
+        QTimer::singleShot(0, [&] {
+            auto* dialog = dynamic_cast<dlgOpen*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            driven = true;
+            if (import) {
+                dialogs.messageAnswers.push_back(QMessageBox::No); // keep the originals
+                ASSERT_TRUE(dialog->setDir1Path(media.path()));
+                dialog->cmdImport_Click();
+            }
+            drive(*dialog);
+        });
+        w->Toolbar1_ButtonClick(QStringLiteral("open"));
+        EXPECT_TRUE(driven);
+    }
+
+    ScratchFolder media;
+};
+
+TEST_F(OpenCommand, OkWithoutASiteLoadsNothingAndAPickedDayAfterAnImportLoadsFromThere) {
+    open(false, [&](dlgOpen& d) { d.OKButton_Click(); });
+    EXPECT_EQ(w->windowTitle(), QStringLiteral("Trendax 2 - V3.0.7"));
+    EXPECT_TRUE(dialogs.messages.empty());
+
+    open(true, [&](dlgOpen& d) {
+        QTreeWidgetItem* day = d.nodeByKey(QStringLiteral("mdWL05031512"));
+        ASSERT_NE(day, nullptr);
+        d.tv_NodeClick(day);
+        d.OKButton_Click();
+    });
+    EXPECT_TRUE(QFile::exists(scratch.file("logfiles/WL05031412.CSV")));
+    EXPECT_EQ(w->windowTitle(), QStringLiteral("Trendax 2 - V3.0.7 - Site: WL05"));
+    // From the clicked day (15 March) to the end calendar (today): two of the three days.
+    EXPECT_EQ(points(0), 2u * 240u);
+    EXPECT_DOUBLE_EQ(w->XMin, mar15);
+    EXPECT_NEAR(w->XMax, mar16 + 239 / 240.0, 1e-9); // a row every six minutes
+    EXPECT_DOUBLE_EQ(w->Strip1->CursorX(), w->XMin + (w->XMax - w->XMin) / 2);
+    EXPECT_TRUE(w->isEnabled());
+    EXPECT_EQ(w->progressDialog(), nullptr);
+    EXPECT_FALSE(w->ProgressBar1->isVisible());
 }
 
 } // namespace

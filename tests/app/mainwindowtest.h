@@ -10,6 +10,7 @@
 #include "support/scriptedenvironment.h"
 
 #include <QLabel>
+#include <QProcess>
 #include <QTest>
 #include <QToolButton>
 #include <QTreeWidgetItem>
@@ -19,22 +20,29 @@ namespace trendax::test {
 
 constexpr double mar14 = 40982.0, mar15 = 40983.0, mar16 = 40984.0;
 
+inline QString pdfText(const QString& pdf) {
+    QProcess text;
+    text.start(QStringLiteral("pdftotext"), {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
+    EXPECT_TRUE(text.waitForFinished(30000));
+    return QString::fromUtf8(text.readAllStandardOutput());
+}
+
 class MainWindowTest : public ::testing::Test {
 protected:
     // A day's data log in logfiles/: a row a minute from midnight, channel k reading k*100 + row.
     void writeDay(const QString& site, const QString& mmddyy, int channels, int rows = 10) {
         const QString date = mmddyy.left(2) + '/' + mmddyy.mid(2, 2) + '/' + mmddyy.mid(4, 2);
-        QByteArray log;
+        QString log;
         for (int r = 0; r < rows; ++r) {
-            QString line = QStringLiteral("%1,%2,%3:%4:00.00")
-                               .arg(site, date)
-                               .arg(r / 60, 2, 10, QChar('0'))
-                               .arg(r % 60, 2, 10, QChar('0'));
+            log += QStringLiteral("%1,%2,%3:%4:00.00")
+                       .arg(site, date)
+                       .arg(r / 60, 2, 10, QChar('0'))
+                       .arg(r % 60, 2, 10, QChar('0'));
             for (int k = 1; k <= channels; ++k)
-                line += ',' + QString::number(k * 100 + r);
-            log += line.toLatin1() + "\r\n";
+                log += ',' + QString::number(k * 100 + r);
+            log += "\r\n";
         }
-        scratch.write("logfiles/" + site + mmddyy + ".CSV", log);
+        scratch.write("logfiles/" + site + mmddyy + ".CSV", log.toLatin1());
     }
 
     // Loads the given days of a site in logfiles/ that fall into [start, end].
@@ -46,6 +54,16 @@ protected:
             (new QTreeWidgetItem(&node))->setText(0, d);
         w->CopySelectedNode(&node, start, end);
         w->LoadWell();
+    }
+
+    // Site AB12's day 03/15/12 with the given data log rows, loaded alone.
+    void loadDay(const QByteArray& rows) {
+        scratch.write("logfiles/AB12031512.CSV", rows);
+        load("AB12", {"031512"}, mar15, mar15);
+    }
+    void loadChannels(int channels, int rows = 10) {
+        writeDay("AB12", "031512", channels, rows);
+        load("AB12", {"031512"}, mar15, mar15);
     }
 
     void showWindow() {
