@@ -2,7 +2,6 @@
 
 #include "chart/xyarray.h"
 
-#include <cstddef>
 #include <initializer_list>
 #include <utility>
 

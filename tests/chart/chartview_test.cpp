@@ -1,4 +1,6 @@
+#include "chart/channellayouts.h"
 #include "chart/chartview.h"
+#include "chart/readouts.h"
 #include "chart/statslayout.h"
 
 #include <gtest/gtest.h>
@@ -8,116 +10,86 @@ namespace {
 
 TEST(BufferSizeAnswer, TakesWholePositiveSizesAndRefusesTheRest) {
     const std::pair<const char*, std::optional<int>> rows[] = {
-        {"25000", 25000}, {" 30000 ", 30000}, {"2.5", 2}, // half to even
-        {"3.5", 4},       {"1e5", 100000},    {"2147483647", 2147483647},
-        {"", {}}, // a cancelled box
-        {"abc", {}},      {"12abc", {}},      {"0", {}},
-        {"0.4", {}},      {"-5", {}},         {"2147483648", {}},
-        {"1e12", {}},
-    };
+        {" 30000 ", 30000}, {"2.5", 2},  {"3.5", 4}, {"1e5", 100000},    {"2147483647", 2147483647},
+        {"12abc", {}},      {"0.4", {}}, {"-5", {}}, {"2147483648", {}}, {"1e12", {}}};
     for (const auto& [text, size] : rows) {
         SCOPED_TRACE(text);
         EXPECT_EQ(chartview::bufferSizeAnswer(QString::fromLatin1(text)), size);
     }
 }
 
-TEST(QuillChannelItems, PairWithStatisticsRowsFiveToTwelve) {
-    EXPECT_EQ(chartview::quillItemForRow(4), std::nullopt);
-    EXPECT_EQ(chartview::quillItemForRow(5), 1);
-    EXPECT_EQ(chartview::quillItemForRow(12), 8);
-    EXPECT_EQ(chartview::quillItemForRow(13), std::nullopt);
-}
-
 TEST(InitialWindowSize, IsMostOfTheScreenButNeverBelowTheMinimum) {
-    struct Row {
-        const char* name;
-        QSize available, minimum, expected;
-    };
-    const Row rows[] = {
-        {"LargeScreen", {1600, 1000}, {800, 600}, {1280, 800}},
-        {"ScreenOfTheMinimum", {800, 600}, {800, 600}, {800, 600}},
-        {"HighResolutionMinimumWins", {1280, 1024}, {1200, 900}, {1200, 900}},
-    };
-    for (const Row& r : rows) {
-        SCOPED_TRACE(r.name);
-        EXPECT_EQ(chartview::initialWindowSize(r.available, r.minimum), r.expected);
-    }
+    const QSize rows[][3] = {{{1600, 1000}, {800, 600}, {1280, 800}}, // available, minimum, size
+                             {{800, 600}, {800, 600}, {800, 600}},
+                             {{1280, 1024}, {1200, 900}, {1200, 900}}};
+    for (const auto& [available, minimum, expected] : rows)
+        EXPECT_EQ(chartview::initialWindowSize(available, minimum), expected) << available.width();
 }
 
-// ---- Statistics panel geometry ----
-
-struct PanelCase {
-    const char* name;
-    statslayout::Metrics metrics;
-    bool designPlaces; // texts small enough to stand at their design places
-};
-
-statslayout::Metrics metrics(double dpi, int line, int check, int name, int value) {
-    statslayout::Metrics m;
-    m.dpi = dpi;
-    m.lineHeight = line;
-    m.boldLineHeight = line;
-    m.checkBox = check;
-    m.nameWidth = name;
-    m.cursorTextWidth = name;
-    m.columnWidth.fill(value);
-    return m;
-}
-
-class StatsLayout : public testing::TestWithParam<PanelCase> {};
-
-TEST_P(StatsLayout, KeepsEveryTextClearOfTheOthers) {
-    const PanelCase& c = GetParam();
-    const statslayout::Geometry g = statslayout::compute(c.metrics);
-    for (int r = 0; r < statslayout::rowCount; ++r) {
-        SCOPED_TRACE("row " + std::to_string(r));
-        EXPECT_GE(g.names[r].width(), c.metrics.nameWidth);
-        EXPECT_GE(g.names[r].height(), c.metrics.lineHeight);
-        EXPECT_FALSE(g.checkBoxes[r].intersects(g.samples[r]));
-        EXPECT_FALSE(g.samples[r].intersects(g.names[r]));
-        EXPECT_FALSE(g.names[r].intersects(g.values[r][0]));
-        for (int col = 0; col < statslayout::columnCount; ++col) {
-            EXPECT_GE(g.values[r][col].width(), c.metrics.columnWidth[col]);
-            if (col > 0) {
-                EXPECT_GT(g.values[r][col].left(), g.values[r][col - 1].right());
+// Each layout's panel height shows its rows whole and nothing of the next one; that the texts
+// stay clear of each other is checked on the panel itself.
+TEST(StatsLayout, PanelHeightsShowWholeRows) {
+    for (const double dpi : {96.0, 144.0}) {
+        statslayout::Metrics m;
+        m.dpi = dpi;
+        m.lineHeight = m.boldLineHeight = int(dpi / 6);
+        m.checkBox = 20;
+        m.nameWidth = m.cursorTextWidth = 130;
+        m.columnWidth.fill(64);
+        const statslayout::Geometry g = statslayout::compute(m);
+        for (const auto& [twips, rows] :
+             {std::pair{800.0, 1}, {1630.0, 5}, {2442.15, 8}, {3645.0, 13}}) {
+            SCOPED_TRACE(testing::Message() << dpi << " dpi, " << twips << " twips");
+            ASSERT_EQ(statslayout::rowsShown(twips), rows);
+            EXPECT_GT(g.heightForRows(rows), g.names[rows - 1].bottom());
+            if (rows < statslayout::rowCount) {
+                EXPECT_LE(g.heightForRows(rows), g.names[rows].top());
             }
-            EXPECT_LE(g.values[r][col].right(), g.width);
         }
-        if (r > 0) {
-            EXPECT_GT(g.names[r].top(), g.names[r - 1].bottom());
-            EXPECT_GT(g.checkBoxes[r].top(), g.checkBoxes[r - 1].bottom());
-        }
-    }
-    EXPECT_GT(g.names[0].top(), g.headings[0].bottom());
-    EXPECT_GT(g.headings[0].left(), g.cursorText.right());
-    EXPECT_GE(g.cursorText.width(), c.metrics.cursorTextWidth);
-    // Each layout's height shows its rows whole and nothing of the next one.
-    for (const auto& [twips, rows] :
-         {std::pair{800.0, 1}, {1630.0, 5}, {2442.15, 8}, {3645.0, 13}}) {
-        SCOPED_TRACE(twips);
-        ASSERT_EQ(statslayout::rowsShown(twips), rows);
-        const int height = g.heightForRows(rows);
-        EXPECT_GT(height, g.names[rows - 1].bottom());
-        if (rows < statslayout::rowCount) {
-            EXPECT_LE(height, g.names[rows].top());
-        }
-    }
-    if (c.designPlaces) {
-        // At 96 dpi: name at 840 twips, first column at 2160, row 5 at 1680.
-        EXPECT_EQ(g.names[0].left(), 56);
-        EXPECT_EQ(g.headings[0].left(), 144);
-        EXPECT_EQ(g.names[5].top(), 112);
     }
 }
 
-const PanelCase panelCases[] = {
-    {"SmallTextsStandAtTheDesignPlaces", metrics(96, 12, 13, 70, 50), true},
-    {"LongNameAndTallCheckBoxAt96Dpi", metrics(96, 16, 20, 130, 64), false},
-    {"At144Dpi", metrics(144, 22, 20, 190, 92), false},
-};
-
-INSTANTIATE_TEST_SUITE_P(Metrics, StatsLayout, testing::ValuesIn(panelCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+TEST(ValueText, FollowsTheTwoDecimalPattern) {
+    const std::pair<double, const char*> rows[] = {
+        {0, "0.00"},       {0.004, "0.00"},          {0.5, "0.50"},
+        {12.345, "12.35"}, {19.996, "20.00"},        {1234.5678, "1234.57"},
+        {-1.004, "-1.00"}, {-1234.5678, "-1234.57"}, {1234567.891, "1234567.89"},
+        {-0.001, "0.00"}};
+    for (const auto& [value, text] : rows)
+        EXPECT_EQ(readouts::formatValue(value), QString::fromLatin1(text)) << value;
+}
 
 } // namespace
 } // namespace trendax
+
+namespace trendax::layouts {
+namespace {
+
+TEST(LayoutChoice, FollowsTheChannelCount) {
+    EXPECT_EQ(forChannelCount(1), Layout::SingleChannel);
+    EXPECT_EQ(forChannelCount(5), Layout::Separate);
+    EXPECT_EQ(forChannelCount(8), Layout::GaugeChannels);
+    for (int n : {2, 4})
+        EXPECT_FALSE(forChannelCount(n).has_value()) << n;
+    for (int n : {0, 6, 9, 13, -1})
+        EXPECT_EQ(forChannelCount(n), Layout::AllChannels) << n;
+}
+
+TEST(Layouts, CurrentAndVoltageKeepsNamesAndPanel) {
+    const Plan p = plan(Layout::CurrentAndVoltage);
+    EXPECT_EQ(std::tuple(p.names.empty(), p.panelHeightTwips.has_value(), p.arrange, p.trackCount),
+              std::tuple(true, false, false, 2));
+    for (const auto& [var, track] : p.varTracks)
+        EXPECT_NE(var, 5) << "variable 5 stays where it is";
+}
+
+TEST(SavedColours, AcceptOnlyAColourNumber) {
+    const std::pair<const char*, std::optional<PackedColor>> rows[] = {
+        {"16777215", 0xFFFFFFu}, {" 255 ", 255u}, {"16777216", {}}, {"-1", {}}, {"", {}},
+        {"12abc", {}},           {"1.5", {}},     {"&HFF", {}}};
+    for (const auto& [text, colour] : rows)
+        EXPECT_EQ(storedColor(QString::fromLatin1(text)), colour) << text;
+}
+
+} // namespace
+} // namespace trendax::layouts

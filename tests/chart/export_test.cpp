@@ -1,13 +1,9 @@
-// What leaves the chart for other programs: the CSV of the visible window and the current
-// imbalance of the three phases.
 #include "chart/csvexport.h"
 #include "chart/imbalance.h"
 #include "chart/stripchartmodel.h"
-#include "storage/datetime.h"
 
 #include <QBuffer>
 #include <gtest/gtest.h>
-#include <memory>
 
 namespace trendax {
 namespace {
@@ -44,58 +40,26 @@ TEST(CsvExport, RowsOfTheVisibleWindowWithEmptyFieldsForMissingPoints) {
                                 "2026-10-01T00:00:03,10/01/26 00:00:03,4.5,1e-07\r\n"));
 }
 
-TEST(CsvExport, HundredthsOfASecondOnlyWhenPresent) {
+TEST(CsvExport, HundredthsOfASecondOnlyWhenPresentAndOutOfOrderPointsFilteredByTheWindow) {
     StripChartModel model;
-    model.addXYArray(0, points({0.25, 59.996, 61}, {1, 2, 3}));
-    model.showXRange(day, day + 120 * second);
-    const QStringList rows = csvOf(model, {{0, "A"}}).split("\r\n");
-    ASSERT_EQ(rows.size(), 5); // header, three rows, the empty text after the last line end
-    EXPECT_EQ(rows[1], "2026-10-01T00:00:00.25,10/01/26 00:00:00,1");
-    EXPECT_EQ(rows[2], "2026-10-01T00:01:00,10/01/26 00:01:00,2");
-    EXPECT_EQ(rows[3], "2026-10-01T00:01:01,10/01/26 00:01:01,3");
-}
-
-TEST(CsvExport, PointsOutOfTimeOrderAreFilteredByTheWindow) {
-    StripChartModel model;
-    model.addXYArray(0, points({5, 1, 9, 2}, {50, 10, 90, 20}));
-    model.showXRange(day + 1 * second, day + 5 * second);
-    const QStringList rows = csvOf(model, {{0, "A"}}).split("\r\n", Qt::SkipEmptyParts);
-    QStringList values;
-    for (const QString& row : rows.mid(1))
-        values << row.section(',', 2);
-    values.sort();
-    EXPECT_EQ(values, (QStringList{"10", "20", "50"}));
-}
-
-TEST(CsvExport, AFailedWriteIsReported) {
-    StripChartModel model;
-    model.addXYArray(0, points({0}, {1}));
-    QBuffer readOnly;
+    model.addXYArray(0, points({0.25, 59.996, 61, 130, 121}, {1, 2, 3, 4, 5}));
+    model.showXRange(day, day + 125 * second);
+    EXPECT_EQ(csvOf(model, {{0, "A"}}).split("\r\n"),
+              (QStringList{"Time,Controller Time,A", "2026-10-01T00:00:00.25,10/01/26 00:00:00,1",
+                           "2026-10-01T00:01:00,10/01/26 00:01:00,2",
+                           "2026-10-01T00:01:01,10/01/26 00:01:01,3",
+                           "2026-10-01T00:02:01,10/01/26 00:02:01,5", ""}));
+    QBuffer readOnly; // a failed write is reported
     readOnly.open(QIODevice::ReadOnly);
     EXPECT_FALSE(csvexport::writeVisible(model, {{0, "A"}}, readOnly));
 }
 
 TEST(Imbalance, PercentOfThePhases) {
-    struct Row {
-        const char* name;
-        double a, b, c;
-        std::optional<double> expected;
-    };
-    const Row rows[] = {
-        {"equal phases", 40, 40, 40, 0.0},
-        {"one phase high", 44, 38, 38, 100.0 * 4 / 40},
-        {"one phase low", 30, 45, 45, 100.0 * 10 / 40},
-        {"zero mean", 0, 0, 0, std::nullopt},
-        {"not a number", 40, NAN, 40, std::nullopt},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        const auto p = imbalance::percent(row.a, row.b, row.c);
-        ASSERT_EQ(p.has_value(), row.expected.has_value());
-        if (p) {
-            EXPECT_NEAR(*p, *row.expected, 1e-9);
-        }
-    }
+    // Phases a, b, c and the imbalance in percent, -1 where there is none.
+    const double rows[][4] = {
+        {40, 40, 40, 0}, {44, 38, 38, 10}, {30, 45, 45, 25}, {0, 0, 0, -1}, {40, NAN, 40, -1}};
+    for (const auto& r : rows)
+        EXPECT_NEAR(imbalance::percent(r[0], r[1], r[2]).value_or(-1), r[3], 1e-9) << r[0];
 }
 
 TEST(Imbalance, PeakOverTheWindow) {
@@ -104,23 +68,14 @@ TEST(Imbalance, PeakOverTheWindow) {
     for (const bool together : {true, false}) {
         SCOPED_TRACE(together ? "one time column" : "time columns of their own");
         StripChartModel model;
-        std::vector<double> t, a, b, c;
-        for (int i = 0; i < 10000; ++i) {
-            t.push_back(i);
-            a.push_back(40);
-            b.push_back(40);
-            c.push_back(40);
-        }
+        std::vector<double> t(10000), tc(10000), a(10000, 40), b(10000, 40), c(10000, 40);
+        for (int i = 0; i < 10000; ++i)
+            t[i] = i, tc[i] = together ? i : i - 0.5;
         a[5000] = 50; // 25 % at 5000 s
-        b[5000] = 35;
-        c[5000] = 35;
+        b[5000] = c[5000] = 35;
         a[9000] = 100; // outside the window
         model.addXYArray(0, points(t, a));
         model.addXYArray(1, points(t, b));
-        std::vector<double> tc = t;
-        if (!together)
-            for (double& s : tc)
-                s -= 0.5;
         model.addXYArray(2, points(tc, c));
         ASSERT_EQ(model.sharesTimeColumn(0, 2), together);
         model.showXRange(day + 100 * second, day + 8000 * second);
@@ -128,17 +83,8 @@ TEST(Imbalance, PeakOverTheWindow) {
         ASSERT_TRUE(peak);
         EXPECT_NEAR(peak->percent, 25.0, 1e-9);
         EXPECT_DOUBLE_EQ(peak->time, day + 5000 * second);
+        EXPECT_FALSE(imbalance::windowPeak(model, 3, 4, 5)) << "no currents";
     }
-}
-
-TEST(Imbalance, NoPeakWithoutCurrents) {
-    StripChartModel model;
-    model.addXYArray(0, points({0, 1}, {0, 0}));
-    model.addXYArray(1, points({0, 1}, {0, 0}));
-    model.addXYArray(2, points({0, 1}, {0, 0}));
-    model.showXRange(day, day + 2 * second);
-    EXPECT_FALSE(imbalance::windowPeak(model, 0, 1, 2));
-    EXPECT_FALSE(imbalance::windowPeak(model, 3, 4, 5));
 }
 
 } // namespace
