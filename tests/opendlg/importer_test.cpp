@@ -1,5 +1,6 @@
 #include "opendlg/filecopy.h"
 #include "opendlg/importer.h"
+#include "opendlg/sitetree.h"
 #include "support/scratchfolder.h"
 
 #include <QDateTime>
@@ -22,45 +23,47 @@ void setModified(const QString& path, int year) {
                                  QFileDevice::FileModificationTime));
 }
 
+// The whole tree in one line: "AB01: 031512 031612 | CD02: 010113".
+QString outline(const sitetree::Tree& tree) {
+    QStringList sites;
+    for (const auto& site : tree.sites) {
+        QString text = site.code + ":";
+        for (const auto& day : site.days)
+            text += " " + day.text;
+        sites << text;
+    }
+    return sites.join(" | ");
+}
+
 // A source folder "src" beside the home folder "home" and the configuration folder "cnf".
 struct Walk : ScratchFolder {
-    trendax::import::Folders folders{file("src"), file("home"), file("cnf")};
+    import::Folders folders{file("src"), file("home"), file("cnf"), {}};
 
-    trendax::import::Outcome run(bool deleteSources,
-                                 const trendax::import::Callbacks& callbacks = {}) const {
-        return trendax::import::run(folders, deleteSources, callbacks);
-    }
-    QStringList left(const QString& folder) const {
-        return QDir(file(folder)).entryList(QDir::Files | QDir::Hidden, QDir::Name);
-    }
-    // Media as a controller delivers them, next to files import must leave alone. Walked in this
-    // order, letter case aside.
-    void media() const {
-        write("src/AB010315.CSV", "AB01,03/15/12,00:00:00,1.5\r\n");
-        setModified(write("src/AB010315.HST", "events\r\n"), 2013);
-        write("src/AB01031512.CSV", "AB01,03/15/12\r\n");
-        write("src/ab01offs.txt", "0.25\r\n");
-        write("src/AB01SCAL.TXT", "1.5\r\n");
-        write("src/AB01USEREVENTS.TXT", "comment\r\n");
-        write("src/AB01xx15.TXT", "x");
-        write("src/cd020101.csv", "CD02,01/01/13,00:00:00,1.5\r\n");
-        write("src/notes.doc", "x");
-        mkdir("src/AB010316.CSV");
-    }
-};
+    import::Outcome run(bool deleteSources, const import::Callbacks& callbacks = {}) const {
+        return import::run(folders, deleteSources, callbacks);
+} QStringList left(const QString& folder) const {
+    return QDir(file(folder)).entryList(QDir::Files | QDir::Hidden, QDir::Name);
+}
+// Media as a controller delivers them, next to files import must leave alone.
+void media() const {
+    write("src/AB010315.CSV", "AB01,03/15/12,00:00:00,1.5\r\n");
+    setModified(write("src/AB010315.HST", "events\r\n"), 2013);
+    for (const char* name : {"src/AB01031512.CSV", "src/ab01offs.txt", "src/AB01SCAL.TXT",
+                             "src/AB01USEREVENTS.TXT", "src/AB01xx15.TXT", "src/notes.doc"})
+        write(name, "1.5\r\n");
+    write("src/cd020101.csv", "CD02,01/01/13,00:00:00,1.5\r\n");
+    mkdir("src/AB010316.CSV");
+}
+}; // namespace
 
 } // namespace
 
-TEST(ImportNames, Classification) {
+TEST(ImportNames, ClassificationAndTheYearOfADataLog) {
     using K = import::Kind;
     const std::pair<K, std::vector<const char*>> kinds[] = {
         {K::DataLog, {"AB010315.CSV", "ab010315.csv", "AB01 3 5.CsV", "ÄÖÜß0315.CSV"}},
         {K::Calibration, {"AB01SCAL.TXT", "scal.txt", "XYZOFFS.txt"}},
-        // ".TXT" too when month and day read as numbers.
-        {K::History,
-         {"AB010315.HST", "AB010315.hst", "ÄÖÜß0315.hst", "AB01031512.TXT", "AB01 3-1.TXT"}},
-        // A data log that already carries a year, comments (they stay where they are), pieces
-        // that are no numbers.
+        {K::History, {"AB010315.HST", "ÄÖÜß0315.hst", "AB01031512.TXT", "AB01 3-1.TXT"}},
         {K::Other,
          {"AB01031512.CSV", "AB0103.CSV", ".CSV", "", "AB01SCAL.HST", "AB01USEREVENTS.TXT",
           "AB01xx15.TXT", "AB01.TXT", "AB010315.DAT"}},
@@ -69,82 +72,50 @@ TEST(ImportNames, Classification) {
         for (const char* name : names)
             EXPECT_EQ(import::classify(QString::fromUtf8(name), u"13"), kind) << name;
     }
-    // Without a modified year a history file is none.
-    EXPECT_EQ(import::classify(u"AB010315.HST", u""), K::Other);
-}
-
-TEST(ImportNames, NumbersAndYearsInNames) {
-    for (const char* yes : {"03", "3", " 3", "3 ", "-1", "+1", ".5", "5.", "12"})
-        EXPECT_TRUE(import::readsAsNumber(QString(yes))) << yes;
-    for (const char* no : {"", " ", "ab", "1a", "..", "-", "1.2.", "+-1"})
-        EXPECT_FALSE(import::readsAsNumber(QString(no))) << no;
-    for (const char* fits : {"12", "2,"})
-        EXPECT_TRUE(import::yearFitsFileName(QString(fits))) << fits;
-    for (const char* unfit : {"\r\n", "/1", "1\\", ""})
-        EXPECT_FALSE(import::yearFitsFileName(QString(unfit))) << unfit;
+    EXPECT_EQ(import::classify(u"AB010315.HST", u""), K::Other); // no modified year
     // A data log's year is the last two of its first thirteen characters, whatever they are.
-    EXPECT_EQ(import::dataLogYearOf("AB01,03/15/12,00:00:00,1.5"), "12");
-    EXPECT_EQ(import::dataLogYearOf("AB01,03/15/2012"), "20");
-    EXPECT_EQ(import::dataLogYearOf("AB,1/1/12\r\n"), "\r\n");
-    EXPECT_EQ(import::dataLogYearOf("A"), "A");
-    EXPECT_EQ(import::dataLogYearOf("AB01,03/15/1\x80"), QString::fromUtf8("1€"));
+    for (const auto& [line, year] : {std::pair{"AB01,03/15/2012", "20"},
+                                     {"AB,1/1/12\r\n", "\r\n"},
+                                     {"A", "A"},
+                                     {"AB01,03/15/1\x80", "1€"}})
+        EXPECT_EQ(import::dataLogYearOf(line), QString::fromUtf8(year)) << line;
     EXPECT_FALSE(import::dataLogYearOf(""));
 }
 
-// ---- Copies ----
-
+// Copies are whole, get the umask's mode but never wider than the source's, or fail with the
+// error number and leave nothing behind.
 TEST(FileCopy, CopiesWholeWithProgressOrFailsWithTheErrorNumber) {
     ScratchFolder scratch;
     const QByteArray bytes(700 * 1024, 'x');
+    const QString source = scratch.write("a", bytes);
+    ASSERT_EQ(::chmod(QFile::encodeName(source).constData(), 0755), 0);
     qint64 last = -1;
-    const auto result = filecopy::copy(scratch.write("a", bytes), scratch.file("new/folder/b"),
-                                       [&](qint64 done, qint64 total) {
-                                           EXPECT_EQ(total, bytes.size());
-                                           EXPECT_GT(done, last);
-                                           last = done;
-                                       });
+    const mode_t saved = ::umask(027);
+    const auto result =
+        filecopy::copy(source, scratch.file("new/folder/b"), [&](qint64 done, qint64 total) {
+            EXPECT_EQ(total, bytes.size());
+            EXPECT_GT(done, last);
+            last = done;
+        });
+    ::umask(saved);
     EXPECT_TRUE(result.ok()) << result.reason.toStdString();
     EXPECT_EQ(last, bytes.size());
     EXPECT_EQ(scratch.read("new/folder/b"), bytes);
+    EXPECT_EQ(QFileInfo(scratch.file("new/folder/b")).permissions(),
+              QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser |
+                  QFile::ReadGroup);
+    ASSERT_EQ(::chmod(QFile::encodeName(source).constData(), 0600), 0);
+    ASSERT_TRUE(filecopy::copy(source, scratch.file("private")).ok());
+    EXPECT_EQ(QFileInfo(scratch.file("private")).permissions(),
+              QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser);
 
-    // Failures carry the error number and leave no temporary file.
-    const auto missing = filecopy::copy(scratch.file("missing"), scratch.file("out"));
-    EXPECT_EQ(missing.error, ENOENT);
-    EXPECT_FALSE(missing.reason.isEmpty());
+    EXPECT_EQ(filecopy::copy(scratch.file("missing"), scratch.file("out")).error, ENOENT);
     scratch.mkdir("dest/taken"); // a folder where the file should go
-    EXPECT_NE(filecopy::copy(scratch.file("a"), scratch.file("dest/taken")).error, 0);
+    EXPECT_NE(filecopy::copy(source, scratch.file("dest/taken")).error, 0);
     EXPECT_EQ(QDir(scratch.file("dest")).entryList(QDir::Files | QDir::Hidden), QStringList());
-    // A pipe is refused, not waited on.
     ASSERT_EQ(::mkfifo(QFile::encodeName(scratch.file("pipe")).constData(), 0644), 0);
     EXPECT_EQ(filecopy::copy(scratch.file("pipe"), scratch.file("out")).error, EINVAL);
-    scratch.write("plain", "x"); // a file where a folder should be
-    EXPECT_EQ(filecopy::copy(scratch.file("a"), scratch.file("plain/out")).error, ENOTDIR);
 }
-
-TEST(FileCopy, CopiesGetTheUmaskModeNeverWiderThanTheSource) {
-    const struct {
-        const char* name;
-        mode_t source, umask, copy;
-    } rows[] = {{"private source", 0600, 022, 0600},
-                {"world-writable source", 0666, 027, 0640},
-                {"strict umask", 0644, 077, 0600},
-                {"executable source", 0755, 022, 0644}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        ScratchFolder scratch;
-        const QString source = scratch.write("src", "x");
-        ASSERT_EQ(::chmod(QFile::encodeName(source).constData(), row.source), 0);
-        const mode_t saved = ::umask(row.umask);
-        const auto result = filecopy::copy(source, scratch.file("out"));
-        ::umask(saved);
-        ASSERT_TRUE(result.ok()) << result.reason.toStdString();
-        struct stat st {};
-        ASSERT_EQ(::stat(QFile::encodeName(scratch.file("out")).constData(), &st), 0);
-        EXPECT_EQ(st.st_mode & 07777, row.copy);
-    }
-}
-
-// ---- The walk ----
 
 TEST(Import, CopiesUnderNewNamesAndDeletesTheSourcesOnlyWhenAsked) {
     for (const bool deleteSources : {false, true}) {
@@ -153,16 +124,14 @@ TEST(Import, CopiesUnderNewNamesAndDeletesTheSourcesOnlyWhenAsked) {
         walk.media();
         walk.write("cnf/ab01scal.txt", "old"); // replaced although its letter case differs
         const QStringList before = walk.left("src");
-        std::vector<int> progress;
-        int maximum = -1;
+        QList<int> progress;
         import::Callbacks callbacks;
-        callbacks.begin = [&](int count) { maximum = count; };
-        callbacks.progress = [&](int i) { progress.push_back(i); };
+        callbacks.begin = [&](int count) { progress << -count; };
+        callbacks.progress = [&](int i) { progress << i; };
         const import::Outcome outcome = walk.run(deleteSources, callbacks);
 
         EXPECT_FALSE(outcome.stopped);
-        EXPECT_EQ(maximum, 9);
-        EXPECT_EQ(progress, (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
+        EXPECT_EQ(progress, (QList<int>{-9, 0, 1, 2, 3, 4, 5, 6, 7, 8})); // the count, then each
         EXPECT_EQ(walk.left("home"),
                   (QStringList{"AB01031512.CSV", "AB01031513.TXT", "cd02010113.CSV"}));
         EXPECT_EQ(walk.left("cnf"), (QStringList{"ab01offs.txt", "ab01scal.txt"}));
@@ -173,66 +142,48 @@ TEST(Import, CopiesUnderNewNamesAndDeletesTheSourcesOnlyWhenAsked) {
         EXPECT_EQ(walk.left("src"), deleteSources ? passedOver : before);
         EXPECT_EQ(outcome.deleted.size(), deleteSources ? 5 : 0);
     }
+    Walk none; // no source folder is not the current folder
+    none.folders.source.clear();
+    EXPECT_EQ(none.run(true).listed, 0);
 }
 
-TEST(Import, NoSourceFolderIsNotTheCurrentFolder) {
-    Walk walk;
-    walk.folders.source.clear();
-    EXPECT_EQ(walk.run(true).listed, 0);
-}
-
+// Each data log's copy is bracketed for the dialog; its source goes even when the copy failed.
 TEST(Import, DataLogCopyIsBracketedAndItsSourceGoesEvenWhenTheCopyFailed) {
     Walk walk;
     walk.write("src/AB010315.CSV", "AB01,03/15/12,1\r\n");
-    walk.write("src/AB010316.CSV", "AB01,03/16/12,1\r\n");
     QStringList events;
     import::Callbacks callbacks;
     callbacks.dataLogCopying = [&](bool on) { events << (on ? "disable" : "enable"); };
     callbacks.copyDataLog = [&](const import::SourceFile& source, const QString& destination) {
-        events << "copy " + source.name + " " + QFileInfo(destination).fileName();
-        return source.name.endsWith("0315.CSV") ? EACCES : 0;
-    };
-    callbacks.remove = [&](const import::SourceFile& source) {
-        events << "delete " + source.name;
-        return QFile::remove(source.path) ? QString() : QString("cannot");
+        events << source.name + " to " + QFileInfo(destination).fileName();
+        return EACCES;
     };
     const auto outcome = walk.run(true, callbacks);
-    EXPECT_EQ(events,
-              (QStringList{"disable", "copy AB010315.CSV AB01031512.CSV", "delete AB010315.CSV",
-                           "enable", "disable", "copy AB010316.CSV AB01031612.CSV",
-                           "delete AB010316.CSV", "enable"}));
+    EXPECT_EQ(events, (QStringList{"disable", "AB010315.CSV to AB01031512.CSV", "enable"}));
     EXPECT_EQ(outcome.failedCopies, QStringList{walk.file("src/AB010315.CSV")});
+    EXPECT_EQ(walk.left("src"), QStringList());
     EXPECT_FALSE(outcome.stopped);
 }
 
-// ---- Bad input: the import stops at the file in doubt; what was done stays done, nothing
-// further is touched, nothing is lost ----
-
-namespace {
-
-// Runs the import answered Yes and expects it to stop at `at` with one message naming it, with
-// `sourceLeft` files still in the source and `home` in the home folder; returns the message.
-QString expectStop(const Walk& walk, import::Callbacks callbacks, const QString& at, int sourceLeft,
-                   const QStringList& home) {
+// The import stops at the file in doubt with one message naming it; what was done stays done,
+// nothing further is touched and the file in doubt keeps its bytes.
+void expectStop(const Walk& walk, import::Callbacks callbacks, const QString& at, int sourceLeft,
+                const QStringList& home) {
+    const QByteArray inDoubt = walk.read(at);
     QStringList messages;
     callbacks.message = [&](const QString& text) { messages << text; };
     const auto outcome = walk.run(true, callbacks);
-    if (!outcome.stopped) {
-        ADD_FAILURE() << "the import did not stop";
-        return {};
-    }
+    ASSERT_TRUE(outcome.stopped);
     EXPECT_TRUE(outcome.stopped->contains(walk.file(at))) << outcome.stopped->toStdString();
     EXPECT_EQ(messages, QStringList{*outcome.stopped});
     EXPECT_EQ(walk.left(QFileInfo(walk.folders.source).fileName()).size(), sourceLeft);
     EXPECT_EQ(walk.left("home"), home);
     EXPECT_EQ(walk.left("cnf"), QStringList());
-    return *outcome.stopped;
+    EXPECT_EQ(walk.read(at), inDoubt);
 }
 
-} // namespace
-
-TEST(ImportStops, AtAnEmptyDataLogOrOneWhoseFirstLineIsShort) {
-    // A short first line would put its line end, or a piece of a date with its slash, in the year.
+TEST(ImportStops, AtTheFileInDoubtKeepingWhatWasDone) {
+    // A short first line would put its line end, or a piece of a date, in the year.
     for (const char* text : {"", "BB,1/1/12\r\n", "B,1\r\nB,1/2/1\r\n"}) {
         SCOPED_TRACE(text);
         Walk walk;
@@ -241,51 +192,19 @@ TEST(ImportStops, AtAnEmptyDataLogOrOneWhoseFirstLineIsShort) {
         walk.write("src/CC010101.CSV", "CC01,01/01/12,1\r\n");
         expectStop(walk, {}, "src/BB010101.CSV", 2, {"AA01010112.CSV"});
     }
-}
-
-TEST(ImportStops, WhenTheSourceCannotBeDeleted) {
-    Walk walk;
-    walk.media();
+    Walk undeletable;
+    undeletable.media();
     import::Callbacks callbacks;
-    callbacks.remove = [](const import::SourceFile&) { return QString("read-only file system"); };
-    EXPECT_TRUE(expectStop(walk, callbacks, "src/AB010315.CSV", 9, {"AB01031512.CSV"})
-                    .contains("read-only file system"));
-}
-
-TEST(ImportStops, WhenTheDestinationCannotBeWritten) {
-    Walk walk;
-    walk.media();
-    walk.write("cnf", "a file where the folder should be");
-    // At the first calibration file; the two files before it are done and gone.
-    expectStop(walk, {}, "src/ab01offs.txt", 7, {"AB01031512.CSV", "AB01031513.TXT"});
-}
-
-TEST(ImportStops, AtAFileThatVanished) {
-    Walk walk;
-    walk.media();
-    import::Callbacks callbacks;
-    callbacks.progress = [&](int i) {
-        if (i == 0)
-            QFile::remove(walk.file("src/AB010315.HST"));
-    };
-    expectStop(walk, callbacks, "src/AB010315.HST", 7, {"AB01031512.CSV"});
-}
-
-TEST(ImportStops, RatherThanDeleteAFileOntoItself) {
-    Walk walk;
-    setModified(walk.write("home/AB01031513.TXT", "events"), 2013);
-    walk.folders.source = walk.folders.home;
-    expectStop(walk, {}, "home/AB01031513.TXT", 1, {"AB01031513.TXT"});
-    EXPECT_EQ(walk.read("home/AB01031513.TXT"), "events");
-}
-
-TEST(Import, NamesWithBlanksAndNonAsciiCharacters) {
-    Walk walk;
-    walk.write(QString::fromUtf8("src/Ä B 0315.CSV"), "XXXX,03/15/12,1\r\n");
-    setModified(walk.write(QString::fromUtf8("src/é  00315.hst"), "x"), 2005);
-    EXPECT_FALSE(walk.run(false).stopped);
-    EXPECT_EQ(walk.left("home"), (QStringList{QString::fromUtf8("Ä B 031512.CSV"),
-                                              QString::fromUtf8("é  0031505.TXT")}));
+    callbacks.remove = [](const import::SourceFile&) { return QString("read-only"); };
+    expectStop(undeletable, callbacks, "src/AB010315.CSV", 9, {"AB01031512.CSV"});
+    Walk unwritable;
+    unwritable.media();
+    unwritable.write("cnf", "a file where the folder should be");
+    expectStop(unwritable, {}, "src/ab01offs.txt", 7, {"AB01031512.CSV", "AB01031513.TXT"});
+    Walk ontoItself;
+    setModified(ontoItself.write("home/AB01031513.TXT", "events"), 2013);
+    ontoItself.folders.source = ontoItself.folders.home;
+    expectStop(ontoItself, {}, "home/AB01031513.TXT", 1, {"AB01031513.TXT"});
 }
 
 // A controller's media written on its own system: names in Windows-1252, not UTF-8. They are
@@ -301,14 +220,9 @@ TEST(Import, NamesThatAreNotUtf8AreReadAsWindows1252) {
     const struct timeval june2013[2] = {{1370088000, 0}, {1370088000, 0}};
     ASSERT_EQ(::utimes((source + site + "0315.HST").c_str(), june2013), 0);
 
-    QStringList listed;
-    for (const import::SourceFile& file : import::listSource(walk.file("src")))
-        listed << file.name;
-    const QString abed = QString::fromUtf8("ABéD");
-    EXPECT_EQ(listed, (QStringList{abed + "0315.CSV", abed + "0315.HST", abed + "scal.txt"}));
-
     const auto outcome = walk.run(true);
     EXPECT_FALSE(outcome.stopped) << outcome.stopped.value_or(QString()).toStdString();
+    const QString abed = QString::fromUtf8("ABéD");
     EXPECT_EQ(walk.left("home"), (QStringList{abed + "031512.CSV", abed + "031513.TXT"}));
     EXPECT_EQ(walk.left("cnf"), QStringList{abed + "scal.txt"});
     EXPECT_EQ(walk.read("home/" + abed + "031512.CSV"),
@@ -328,10 +242,55 @@ TEST(Import, SymbolicLinksOutOfTheSourceAreNotFollowed) {
         ASSERT_TRUE(QFile::link(target, walk.file("src/" + link)));
     const auto outcome = walk.run(true);
     EXPECT_FALSE(outcome.stopped);
-    EXPECT_EQ(outcome.listed, 5);
     // The link inside the media is copied as the file it names; the others are left alone.
     EXPECT_EQ(walk.left("home"), QStringList{"CD02010113.CSV"});
     EXPECT_EQ(walk.read("home/CD02010113.CSV"), walk.read("src/real.dat"));
     EXPECT_EQ(walk.left("cnf"), QStringList());
     EXPECT_EQ(walk.read("system/secret"), "AB01,03/15/12,00:00:00,1\r\n");
+}
+
+TEST(SiteTree, OneNodePerSiteAndDayAndTextWorkingCopiesOfHistories) {
+    ScratchFolder home;
+    for (const char* name : {"CD02010113.CSV", "AB01031612.csv", "AB01031512.CSV", "ab01031512.csv",
+                             "CD02123112.CSV", "EF03.CSV", "YR01123129.CSV", "YR01010130.CSV",
+                             "YR01063000.CSV", "Schema.ini", "AB01USEREVENTS.TXT"})
+        home.write(name, "x");
+    home.mkdir("ZZ99010112.CSV"); // a folder, not a data log
+    home.write("gh05031512.hst", "lower");
+    home.write("GH06031512.HST", "new");
+    home.write("GH06031512.TXT", "old"); // replaced although its suffix is in capitals
+
+    const sitetree::Tree tree = sitetree::build(home.path());
+    // The same day in two letter cases is listed once; days come in calendar order by the
+    // two-digit year rule; with four characters before ".CSV" the day text is what follows.
+    EXPECT_EQ(outline(tree), "AB01: 031512 031612 | CD02: 123112 010113 | EF03: .CSV | "
+                             "YR01: 010130 063000 123129");
+    EXPECT_EQ(tree.sites[0].days[0].key, "mdAB01031512");
+    EXPECT_EQ(home.read("gh05031512.txt"), "lower");
+    EXPECT_EQ(home.read("GH06031512.TXT"), "new");
+    EXPECT_EQ(QDir(home.path()).entryList(QDir::Files | QDir::Hidden).size(), 15); // no temporaries
+    // Names shorter than the pattern are cut as they come.
+    const auto noCopy = [](const QString&, const QString&) { return QString(); };
+    EXPECT_EQ(outline(sitetree::buildFromNames({".CSV", "A.CSV"}, noCopy)), ".CSV:  | A.CS: V");
+}
+
+TEST(SiteTree, CopyFailureBeforeTheFirstDataLogEndsTheWalk) {
+    const auto failing = [](const QString&, const QString&) { return QString("disk full"); };
+    const auto early = sitetree::buildFromNames({"AA01010112.HST", "BB01010112.CSV"}, failing);
+    EXPECT_TRUE(early.sites.empty());
+    EXPECT_TRUE(early.failure && early.failure->contains("AA01010112.HST") &&
+                early.failure->contains("disk full"));
+    const auto late =
+        sitetree::buildFromNames({"AA01010112.CSV", "AA01010112.HST", "BB01010112.CSV"}, failing);
+    EXPECT_EQ(outline(late), "AA01: 010112 | BB01: 010112");
+    EXPECT_FALSE(late.failure);
+}
+
+TEST(SiteTreeKeys, DayKeysGiveCalendarDates) {
+    EXPECT_EQ(sitetree::dateOfDayKey("mdAB01031512"), datetime::fromDate(2012, 3, 15));
+    EXPECT_EQ(sitetree::dateOfDayKey("mdAB01022900"), datetime::fromDate(2000, 2, 29));
+    EXPECT_EQ(sitetree::dateOfDayKey("mdAB01123199"), datetime::fromDate(1999, 12, 31));
+    // No 29 February in 2001, no month 13, no numbers.
+    for (const char* key : {"mdAB01022901", "mdAB01133112", "mdEF03.CSV", "mdAB01 31512", "md"})
+        EXPECT_FALSE(sitetree::dateOfDayKey(key)) << key;
 }

@@ -19,7 +19,7 @@ TEST(AppFolderChoice, PerUserFolderStandsInForAReadOnlyExecutableFolder) {
         const char* xdgDataHome;
         const char* expected;
     } rows[] = {
-        {"writable executable folder", true, "/data/eng", "/opt/trendax"},
+        {"writable", true, "/data/eng", "/opt/trendax"},
         {"read-only, XDG_DATA_HOME set", false, "/data/eng", "/data/eng/Trendax2"},
         {"read-only, XDG_DATA_HOME unset", false, "", "/home/eng/.local/share/Trendax2"},
         {"read-only, XDG_DATA_HOME relative", false, "data", "/home/eng/.local/share/Trendax2"},
@@ -32,8 +32,7 @@ TEST(AppFolderChoice, PerUserFolderStandsInForAReadOnlyExecutableFolder) {
     }
 }
 
-// A folder no one may write: a read-only mount when running as root, whom permission bits do
-// not stop; the folder's mode otherwise.
+// Read-only by a mount for root, whom permission bits do not stop; by its mode otherwise.
 struct ReadOnlyFolder {
     QString path;
     bool mounted = false;
@@ -54,12 +53,9 @@ struct ReadOnlyFolder {
 
 TEST(AppFolderLocate, OnlyAReadOnlyExecutableFolderMovesTheFoldersToTheUsersDataFolder) {
     test::ScratchFolder scratch;
-    // A writable one is kept, and nothing is created anywhere.
-    const QString build = scratch.mkdir("build/release");
+    const QString build = scratch.mkdir("build/release"); // kept, and nothing is created
     EXPECT_EQ(appfolder::locate(build, scratch.file("xdg"), scratch.file("home")), build);
     EXPECT_FALSE(QFileInfo::exists(scratch.file("xdg")));
-    EXPECT_EQ(QDir(build).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-              QStringList{});
 
     const QString exeFolder = scratch.file("usr/bin");
     ReadOnlyFolder readOnly(exeFolder);
@@ -72,19 +68,13 @@ TEST(AppFolderLocate, OnlyAReadOnlyExecutableFolderMovesTheFoldersToTheUsersData
     EXPECT_TRUE(QFileInfo(folder + "/cnffiles").isDir());
 }
 
-TEST(SchemaIni, AMissingHomeFolderFailsSilently) {
+TEST(HomeFolder, SchemaIniWithoutAHomeFolderFailsSilentlyAndUserNamesKeep127Characters) {
     test::ScratchFolder app;
     WriteSchemaIni(app.path(), "AB12031512.CSV");
     EXPECT_EQ(QDir(app.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList{});
-}
-
-TEST(CurrentUserName, KeepsAtMost127Characters) {
-    test::ScratchFolder app;
     test::ScriptedEnvironment env(app.path());
-    for (const QString& name : {QString("ops"), QString(127, 'u'), QString(200, 'v')}) {
-        env.setUserName(name);
-        EXPECT_EQ(CurrentUserName(env), name.left(127)) << name.size();
-    }
+    env.setUserName(QString(200, 'v'));
+    EXPECT_EQ(CurrentUserName(env), QString(127, 'v'));
 }
 
 } // namespace
