@@ -45,7 +45,6 @@ const char* const shown[] = {
     "VUB=Voltage Imbalance", "MT Hi=History Event (MT Hi)", "old=History Event (old)",
     "XYZ9=History Event (XYZ9)"};
 
-// Each code as it arrives in a history line, its code column padded to eight.
 TEST(EventCodes, EveryCodeShowsItsTextInTheHistoryList) {
     for (const char* row : shown) {
         SCOPED_TRACE(row);
@@ -187,7 +186,6 @@ TEST(AppendUserComment, AppendsOneLineToWhatIsThereOrFailsLeavingTheFileAsItWas)
     EXPECT_EQ(home.read("ab12userevents.txt"), now);
     EXPECT_FALSE(QFile::exists(path)) << "no second file in another letter case";
 
-    // The reasons are the system's own words; what matters is that one is given.
     const auto refused = [&](const char* what, const AppendResult& result) {
         SCOPED_TRACE(what);
         EXPECT_FALSE(result.stored());
@@ -197,10 +195,10 @@ TEST(AppendUserComment, AppendsOneLineToWhatIsThereOrFailsLeavingTheFileAsItWas)
     refused("no time", AppendUserComment(std::nan(""), "x", path));
     // A disk that fills up in the middle of the line: the file size limit stops the write after
     // a few bytes, and the partly written line must be cut off again.
-    rlimit saved{};
+    rlimit saved{}, limited{};
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &saved), 0);
+    limited = saved;
     const auto previousHandler = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limited = saved;
     limited.rlim_cur = rlim_t(now.size() + 5);
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limited), 0);
     const auto full = AppendUserComment(at(2012, 3, 2, 7, 5, 9), "a longer comment", path);
