@@ -105,8 +105,9 @@ void killRepeatedly(const char* kind, const QString& folder, const QStringList& 
             strays.insert(name);
         }
     }
-    std::printf("%s: %d kills, %d inside a write, %d stray temporaries left, 0 torn files\n", kind,
-                kills, inside, int(strays.size()));
+    if (!testing::Test::HasFailure())
+        std::printf("%s: %d kills, %d inside a write, %d stray temporaries left, 0 torn files\n",
+                    kind, kills, inside, int(strays.size()));
 }
 
 // Comment n names its number; one in four is several pages long, so that some lines cross
