@@ -1,7 +1,6 @@
 #include "loading/datalog.h"
 #include "storage/datetime.h"
 #include "support/scratchfolder.h"
-#include "synthetic.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -34,10 +33,20 @@ QString values(const XYArray& a) {
     return out.join(' ');
 }
 
-// ---- Time stamps: a first row at 10:00:00.00 sets the stamp that failed parses keep ----
+// Both paths, each case named.
+template <typename Case, typename Check> void onBothPaths(const Case& cases, const Check& check) {
+    for (const auto& c : cases) {
+        for (const bool fast : {true, false}) {
+            SCOPED_TRACE(std::string(c.name) + (fast ? ", fast path" : ", general path"));
+            LoadState state;
+            check(c, state, fast);
+        }
+    }
+}
 
+// A first row at 10:00:00.00 sets the stamp that failed parses keep.
 TEST(DataLogRows, TimeStampsFollowTheRowRules) {
-    const double tenOClock = at(2008, 1, 15, 10, 0, 0);
+    const double ten = at(2008, 1, 15, 10, 0, 0);
     const struct {
         const char *name, *date, *time;
         double expected;
@@ -47,28 +56,20 @@ TEST(DataLogRows, TimeStampsFollowTheRowRules) {
         {"am", "01/15/08", "12:05:00 AM", at(2008, 1, 15, 0, 5, 0)},
         {"lower-case pm is a 24-hour time", "01/15/08", "1:45:12 pm", at(2008, 1, 15, 1, 45, 12)},
         {"missing time is midnight", "01/15/08", "", at(2008, 1, 15, 0, 0, 0)},
-        {"failed parse keeps the stamp, adds hundredths", "13/45/08", "13:45:12.34",
-         tenOClock + 34 / 8'640'000.0},
-        {"single-digit hour in the hundredths form", "01/15/08", "9:05:01.50",
-         tenOClock + 50 / 8'640'000.0},
+        {"failed parse keeps the stamp", "13/45/08", "13:45:12.34", ten + 34 / 8'640'000.0},
+        {"single-digit hour with hundredths", "01/15/08", "9:05:01.50", ten + 50 / 8'640'000.0},
         {"letters are no hundredths", "01/15/08", "13:45:12.xx", at(2008, 1, 15, 13, 45, 12)},
         {"four-digit year and dashes", "1-15-2008", "23:59:59.99", at(2008, 1, 15, 23, 59, 59, 99)},
         {"years from 30 are the 1900s", "01/15/30", "00:00:00.00", at(1930, 1, 15, 0, 0, 0)},
     };
-    for (const auto& c : cases) {
-        for (const bool fast : {true, false}) {
-            SCOPED_TRACE(std::string(c.name) + (fast ? ", fast path" : ", general path"));
-            LoadState state;
-            const DataLogResult r = read(QByteArray("AB12,01/15/08,10:00:00.00,1\r\nAB12,") +
-                                             c.date + "," + c.time + ",2\r\n",
-                                         state, fast);
-            ASSERT_EQ(r.channels[0]->count(), 2u);
-            EXPECT_EQ(r.channels[0]->x(1), c.expected);
-        }
-    }
+    onBothPaths(cases, [](const auto& c, LoadState& state, bool fast) {
+        const DataLogResult r = read(QByteArray("AB12,01/15/08,10:00:00.00,1\r\nAB12,") + c.date +
+                                         "," + c.time + ",2\r\n",
+                                     state, fast);
+        ASSERT_EQ(r.channels[0]->count(), 2u);
+        EXPECT_EQ(r.channels[0]->x(1), c.expected);
+    });
 }
-
-// ---- Rows, on both paths ----
 
 QByteArray numbered(int channels) {
     QByteArray line = "AB12,03/15/12,00:00:01.00";
@@ -77,59 +78,52 @@ QByteArray numbered(int channels) {
     return line + "\r\n";
 }
 
-struct RowCase {
-    const char* name;
-    int fieldCount, rows, badRows;
-    QString values;   // of the first channels: "1 3 5/10 30 50" for channels 1 and 2
-    int lastSecond;   // the time of the last listed channel's last point, in seconds of the day
-    QByteArray bytes; // of the data log, 03/15/12
-};
-
 TEST(DataLogRows, FollowTheRowRules) {
-    const RowCase cases[] = {
-        {"badRowsAreDroppedWithoutGaps", 5, 5, 2, "1 3 5/10 30 50", 5,
+    const struct {
+        const char* name;
+        int fieldCount, rows, badRows;
+        QString values;   // of the first channels: "1 3 5/10 30 50" for channels 1 and 2
+        int lastSecond;   // the time of the last listed channel's last point
+        QByteArray bytes; // of the data log, 03/15/12
+    } cases[] = {
+        {"bad rows are dropped without gaps", 5, 5, 2, "1 3 5/10 30 50", 5,
          "AB12,03/15/12,00:00:01.00,1,10\r\nAB12,03/15/12,00:00:02.00,,20\r\n"
          "AB12,03/15/12,00:00:03.00,3,30\r\nAB12,03/15/12,00:00:04.00,n/a,40\r\n"
          "AB12,03/15/12,00:00:05.00,5,50\r\n"},
-        {"aHeaderLikeFirstLineIsABadRow", 4, 2, 1, "7", 1,
+        {"a header-like first line is a bad row", 4, 2, 1, "7", 1,
          "Site,Date,Time,Phase A\r\nAB12,03/15/12,00:00:01.00,7\r\n"},
-        {"missingAndNonNumericChannelsReadAsZero", 7, 1, 0, "1/0/0/4", 1,
+        {"missing and non-numeric channels read as zero", 7, 1, 0, "1/0/0/4", 1,
          "AB12,03/15/12,00:00:01.00,1,abc,,4\r\n"},
-        {"theWidestLineSetsTheFieldCount", 6, 2, 0, "1 2/0 20/0 200", 2,
+        {"the widest line sets the field count", 6, 2, 0, "1 2/0 20/0 200", 2,
          "AB12,03/15/12,00:00:01.00,1\r\nAB12,03/15/12,00:00:02.00,2,20,200\r\n"},
-        {"blankLinesByteOrderMarkAndLineEnds", 4, 2, 0, "1 2", 2,
+        {"blank lines, byte order mark and line ends", 4, 2, 0, "1 2", 2,
          "\xEF\xBB\xBF"
          "AB12,03/15/12,00:00:01.00,1\n\r\n  \r\nAB12,03/15/12,00:00:02.00,2"},
-        {"quotedFieldsHoldCommasAndQuotes", 5, 1, 0, "1.5/0", 1,
+        {"quoted fields hold commas and quotes", 5, 1, 0, "1.5/0", 1,
          "\"AB,12\",\"03/15/12\",\"00:00:01.00\",\"1.5\",\"x\"\"y\"\r\n"},
-        {"anEmptyFileHasNoRows", 0, 0, 0, "", 0, ""},
-        {"thirteenOf88ChannelsAreKept", 91, 1, 0, "1/2/3/4/5/6/7/8/9/10/11/12/13", 1, numbered(88)},
+        {"an empty file has no rows", 0, 0, 0, "", 0, ""},
+        {"13 of 88 channels are kept", 91, 1, 0, "1/2/3/4/5/6/7/8/9/10/11/12/13", 1, numbered(88)},
     };
-    for (const RowCase& c : cases) {
-        for (const bool fast : {true, false}) {
-            SCOPED_TRACE(std::string(c.name) + (fast ? ", fast path" : ", general path"));
-            LoadState state;
-            const DataLogResult r = read(c.bytes, state, fast);
-            EXPECT_EQ(r.fieldCount, c.fieldCount);
-            EXPECT_EQ(r.rowCount, c.rows);
-            EXPECT_EQ(r.badRowCount, c.badRows);
-            EXPECT_EQ(state.numChannels, std::max(c.fieldCount - 3, 0));
-            EXPECT_EQ(r.tracksEnabled.has_value(), c.rows > c.badRows);
-            for (int k = 0; k < channelSlots; ++k) {
-                ASSERT_EQ(bool(r.channels[k]), k == 0 || k < state.numChannels) << k;
-                // The channels of a file keep one column of time stamps between them.
-                EXPECT_TRUE(!r.channels[k] || r.channels[k]->sharedX() == r.channels[0]->sharedX());
-            }
-            const QStringList listed = c.values.split('/');
-            for (int k = 0; k < listed.size(); ++k)
-                EXPECT_EQ(values(*r.channels[k]), listed[k]) << "channel " << k + 1;
-            const XYArray& last = *r.channels[listed.size() - 1];
-            if (last.count() > 0) {
-                EXPECT_EQ(last.x(last.count() - 1), at(2012, 3, 15, 0, 0, c.lastSecond));
-                EXPECT_NE(last.sharedX(), nullptr);
-            }
+    onBothPaths(cases, [](const auto& c, LoadState& state, bool fast) {
+        const DataLogResult r = read(c.bytes, state, fast);
+        EXPECT_EQ(r.fieldCount, c.fieldCount);
+        EXPECT_EQ(r.rowCount, c.rows);
+        EXPECT_EQ(r.badRowCount, c.badRows);
+        EXPECT_EQ(state.numChannels, std::max(c.fieldCount - 3, 0));
+        EXPECT_EQ(r.tracksEnabled.has_value(), c.rows > c.badRows);
+        for (int k = 0; k < channelSlots; ++k) {
+            ASSERT_EQ(bool(r.channels[k]), k == 0 || k < state.numChannels) << k;
+            // The channels of a file keep one column of time stamps between them.
+            EXPECT_TRUE(!r.channels[k] || r.channels[k]->sharedX() == r.channels[0]->sharedX());
         }
-    }
+        const QStringList listed = c.values.split('/');
+        for (int k = 0; k < listed.size(); ++k)
+            EXPECT_EQ(values(*r.channels[k]), listed[k]) << "channel " << k + 1;
+        const XYArray& last = *r.channels[listed.size() - 1];
+        if (last.count() > 0) {
+            EXPECT_EQ(last.x(last.count() - 1), at(2012, 3, 15, 0, 0, c.lastSecond));
+        }
+    });
 }
 
 TEST(DataLogLoad, OnlyOneChannelLoadsAreCalibrated) {
@@ -186,77 +180,46 @@ QByteArray longLinesWithQuotes() {
 }
 
 TEST(DataLogPaths, QuotesInLongLinesAreReadFieldByField) {
-    LoadState state;
-    const DataLogResult r = read(longLinesWithQuotes(), state);
-    EXPECT_EQ(r.fieldCount, 16 + 2 + 20'000);
-    EXPECT_EQ(r.badRowCount, 0);
-    ASSERT_TRUE(r.channels[12]) << "all thirteen channels are read";
-    EXPECT_EQ(values(*r.channels[0]), "1 1.5 7 8 9");
-    EXPECT_EQ(values(*r.channels[3]), "4 0 0 9 0") << "4\" is no number";
-    EXPECT_EQ(values(*r.channels[12]), "13 13 0 9 0");
-    EXPECT_DOUBLE_EQ(r.channels[0]->x(1), at(2012, 3, 15, 0, 0, 2, 50));
-}
-
-// Every bit of an array's points; "null" for no array.
-QByteArray bits(const std::shared_ptr<XYArray>& a) {
-    QByteArray out = a ? "" : "null";
-    for (std::size_t i = 0; a && i < a->count(); ++i)
-        for (const double v : {a->x(i), a->y(i)})
-            out.append(reinterpret_cast<const char*>(&v), sizeof v);
-    return out;
-}
-
-// Bit for bit: the same counts, points and range whichever path every row takes.
-TEST(DataLogPaths, FastAndGeneralPathsAgree) {
-    std::vector<std::pair<std::string, QByteArray>> inputs;
-    for (const int channels : {1, 5, 8, 13}) {
-        for (const gen::TimeForm form : {gen::TimeForm::Hundredths, gen::TimeForm::AmPm}) {
-            gen::SiteSpec siteSpec;
-            siteSpec.rowsPerDay = 2000;
-            siteSpec.channels = channels;
-            siteSpec.timeForm = form;
-            inputs.emplace_back("generated, " + std::to_string(channels) + " channels, " +
-                                    (form == gen::TimeForm::AmPm ? "AM/PM" : "hundredths"),
-                                gen::dataLogDay(siteSpec, 0));
-        }
-    }
-    QByteArray awkward;
-    for (const char* n :
-         {"0.1", "-0", "123456789012345", "1234567890123456", "0.0000001", "9007199254740993",
-          "1e5", "+2", " 3", "3.", ".25", "-17.125", "0.30000000000000004", "00000012.5000",
-          "2,"}) // "2,": an empty last field
-        awkward += QByteArray("AB12,03/15/12,12:00:00.00,1,") + n + "\r\n";
-    inputs.emplace_back("awkward numbers", awkward);
-    inputs.emplace_back("long lines with quotes", longLinesWithQuotes());
-
-    for (const auto& [name, bytes] : inputs) {
-        SCOPED_TRACE(name);
-        LoadState fastState, generalState;
-        const DataLogResult a = read(bytes, fastState, true);
-        const DataLogResult b = read(bytes, generalState, false);
-        EXPECT_EQ(a.badRowCount, 0);
-        EXPECT_EQ(a.badRowCount, b.badRowCount);
-        EXPECT_EQ(a.fieldCount, b.fieldCount);
-        EXPECT_EQ(fastState.XMin, generalState.XMin);
-        EXPECT_EQ(fastState.XMax, generalState.XMax);
-        for (int k = 0; k < channelSlots; ++k)
-            EXPECT_TRUE(bits(a.channels[k]) == bits(b.channels[k])) << "channel " << k + 1;
+    for (const bool fast : {true, false}) {
+        SCOPED_TRACE(fast ? "fast path" : "general path");
+        LoadState state;
+        const DataLogResult r = read(longLinesWithQuotes(), state, fast);
+        EXPECT_EQ(r.fieldCount, 16 + 2 + 20'000);
+        EXPECT_EQ(r.badRowCount, 0);
+        ASSERT_TRUE(r.channels[12]) << "all thirteen channels are read";
+        EXPECT_EQ(values(*r.channels[0]), "1 1.5 7 8 9");
+        EXPECT_EQ(values(*r.channels[3]), "4 0 0 9 0") << "4\" is no number";
+        EXPECT_EQ(values(*r.channels[12]), "13 13 0 9 0");
+        EXPECT_DOUBLE_EQ(r.channels[0]->x(1), at(2012, 3, 15, 0, 0, 2, 50));
     }
 }
 
 // ---- Reading a file and the load's row total ----
 
-TEST(DataLogFile, LogsThePathReadsWhateverTheCaseAndFailsOnAMissingFile) {
+// The letter case of the name does not matter, and a read buffer kept from file to file leaves
+// nothing of a longer file behind.
+TEST(DataLogFile, LogsThePathReadsWhateverTheCaseAndAKeptBufferLeavesNothingBehind) {
     test::ScratchFolder app;
-    app.write("logfiles/AB12031512.CSV", "AB12,03/15/12,00:00:01.00,4\r\n");
-    LoadState state;
+    const QString longPath = app.write(
+        "logfiles/AB12031412.CSV", QByteArray("AB12,03/14/12,10:00:00.00,9,9\r\n").repeated(2000));
+    app.write("logfiles/AB12031512.CSV",
+              "AB12,03/15/12,13:45:12.34,1.5,2\r\nAB12,03/15/12,1:45:14 PM,\"2\",,3\r\n");
+    const QString asked = app.file("logfiles/ab12031512.csv");
+    QByteArray buffer;
     QStringList log;
     DataLogOptions options;
+    options.readBuffer = &buffer;
     options.debugOut = [&](const QString& line) { log << line; };
-    const QString asked = app.file("logfiles/ab12031512.csv");
-    EXPECT_EQ(values(*readDataLog(asked, app.path(), state, options).channels[0]), "4");
+    LoadState state;
+    readDataLog(longPath, app.path(), state, options);
+    log.clear();
+    const DataLogResult r = readDataLog(asked, app.path(), state, options);
     EXPECT_EQ(log.first(), "LoadQXL(" + asked + ")");
-    EXPECT_THROW(readDataLog(app.file("logfiles/AB12031612.csv"), app.path(), state), LoadFailure);
+    ASSERT_EQ(r.rowCount, 2);
+    ASSERT_TRUE(r.channels[2]);
+    EXPECT_EQ(values(*r.channels[0]) + '/' + values(*r.channels[1]) + '/' + values(*r.channels[2]),
+              "1.5 2/2 0/0 3");
+    EXPECT_EQ(r.channels[2]->x(1), at(2012, 3, 15, 13, 45, 14));
 }
 
 TEST(LoadedRowTotal, RestartsWithTheFirstFileGrowsWithTheOthersAndNeverOverflows) {

@@ -15,13 +15,10 @@ double day(int y, int m, int d, int h = 0) {
     return *datetime::fromDateTime(y, m, d, h, 0, 0);
 }
 
-TEST(DateCodes, ThatAreNoDatesAreRefused) {
+TEST(DayFiles, AreFoundWhateverTheirLetterCaseAndNamesThatAreNoDatesAreRefused) {
     EXPECT_EQ(dateOfCode("123199"), day(1999, 12, 31));
     EXPECT_FALSE(dateOfCode("133112"));
     EXPECT_FALSE(dateOfCode("USEREV"));
-}
-
-TEST(DayFiles, AreFoundWhateverTheirLetterCase) {
     test::ScratchFolder app;
     app.write("logfiles/AB12031512.CSV", "x");
     app.write("logfiles/ab12031512.TXT", "x");
@@ -33,10 +30,10 @@ TEST(DayFiles, AreFoundWhateverTheirLetterCase) {
     EXPECT_EQ(commentsFilePath(app.path(), "AB12"), app.file("logfiles/AB12USEREVENTS.txt"));
 }
 
-// Records what the passes ask of the window.
+// What the passes ask of the window, and their diagnostic log.
 struct Recorder {
     QStringList log, calls;
-    WellLoadHooks hooks() {
+    int run(const QStringList& codes, double start, double end) {
         WellLoadHooks h;
         h.debugOut = [this](const QString& line) { log << line; };
         h.beginLoading = [this](int count) { calls << QStringLiteral("begin %1").arg(count); };
@@ -45,28 +42,21 @@ struct Recorder {
                          ' ' + txt.section('/', -1);
         };
         h.afterDateCode = [this] { calls << QStringLiteral("after"); };
-        return h;
+        return runWellLoadPasses(CopySelectedNode("AB12", "/h", codes, start, end), h);
     }
 };
 
 const QStringList threeDays = {"031412", "031512", "031612"};
 
 TEST(WellLoadPasses, FilesInRangeAreNumberedOneToCount) {
+    Recorder month;
+    EXPECT_EQ(month.run(threeDays, day(2012, 3, 1), day(2012, 3, 31)), 3);
+    EXPECT_THAT(month.calls, ElementsAre("begin 3", "load 1/3 AB12031412.csv AB12031412.txt",
+                                         "after", "load 2/3 AB12031512.csv AB12031512.txt", "after",
+                                         "load 3/3 AB12031612.csv AB12031612.txt", "after"));
+    // A one-day range loads exactly that day, and every step is logged.
     Recorder rec;
-    EXPECT_EQ(runWellLoadPasses(
-                  CopySelectedNode("AB12", "/h", threeDays, day(2012, 3, 1), day(2012, 3, 31)),
-                  rec.hooks()),
-              3);
-    EXPECT_THAT(rec.calls, ElementsAre("begin 3", "load 1/3 AB12031412.csv AB12031412.txt", "after",
-                                       "load 2/3 AB12031512.csv AB12031512.txt", "after",
-                                       "load 3/3 AB12031612.csv AB12031612.txt", "after"));
-}
-
-TEST(WellLoadPasses, OneDayRangeLoadsExactlyThatDayAndLogsEveryStep) {
-    Recorder rec;
-    const NodeCopy node =
-        CopySelectedNode("AB12", "/h", threeDays, day(2012, 3, 15, 9), day(2012, 3, 15, 8));
-    EXPECT_EQ(runWellLoadPasses(node, rec.hooks()), 1);
+    EXPECT_EQ(rec.run(threeDays, day(2012, 3, 15, 9), day(2012, 3, 15, 8)), 1);
     EXPECT_THAT(rec.calls, ElementsAre("begin 1", "after", "load 1/1 AB12031512.csv AB12031512.txt",
                                        "after", "after"));
     QStringList expected;
@@ -87,8 +77,7 @@ TEST(WellLoadPasses, OneDayRangeLoadsExactlyThatDayAndLogsEveryStep) {
 
 TEST(WellLoadPasses, AnEmptyDateCodeFailsBeforeAnythingIsShown) {
     Recorder rec;
-    const NodeCopy node = CopySelectedNode("AB12", "/h", {}, day(2012, 3, 1), day(2012, 3, 31));
-    EXPECT_THROW(runWellLoadPasses(node, rec.hooks()), LoadFailure);
+    EXPECT_THROW(rec.run({}, day(2012, 3, 1), day(2012, 3, 31)), LoadFailure);
     EXPECT_TRUE(rec.calls.empty());
     EXPECT_EQ(rec.log, QStringList{"fdate = CDate(//)"});
 }
