@@ -336,7 +336,7 @@ StripChart::StripChart(QWidget* parent) : QWidget(parent), d(std::make_unique<Im
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMinimumSize(200, 120);
     d->model.setChangeListener([this](StripChartModel::Change change) {
-        if (change == StripChartModel::Change::Curves) {
+        if (change != StripChartModel::Change::Cursor) {
             update();
             return;
         }

@@ -223,6 +223,14 @@ void StripChartModel::setCursorX(double x) {
     cursorChanged();
 }
 
+void StripChartModel::setReferenceX(std::optional<double> x) {
+    if ((x && !std::isfinite(*x)) || x == referenceX_)
+        return;
+    referenceX_ = x;
+    if (listener_)
+        listener_(Change::Reference);
+}
+
 // ---- Selectors and settings ----
 
 void StripChartModel::setCurrentVar(int index) {

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -63,8 +64,9 @@ public:
     static constexpr int maxTrackIndex = 32767;
 
     enum class Change {
-        Curves, // anything drawn except the cursor
+        Curves, // anything drawn except the cursors
         Cursor,
+        Reference, // the reference cursor was set, moved or removed
     };
 
     StripChartModel();
@@ -106,6 +108,10 @@ public:
     double cursorX() const { return cursorX_; }
     // Moves the cursor (no CursorChange: that is for the user's clicks); not finite is ignored.
     void setCursorX(double x);
+    // A second, reference cursor that the user may set beside the cursor; absent by default.
+    // Setting a time that is not finite is ignored.
+    const std::optional<double>& referenceX() const { return referenceX_; }
+    void setReferenceX(std::optional<double> x);
 
     // ---- Selectors ----
     int currentVar() const { return currentVar_; }
@@ -208,6 +214,7 @@ private:
     double viewStart_ = 0.0;
     double viewEnd_ = 1.0;
     double cursorX_ = 0.0;
+    std::optional<double> referenceX_;
     int currentVar_ = 0;
     int currentTrack_ = 0;
 
