@@ -85,11 +85,17 @@ int replaceWithLineAdded(const QByteArray& name, const struct stat& before, QByt
 } // namespace
 
 QString decode(QByteArrayView bytes) {
-    QString out(bytes.size(), Qt::Uninitialized);
-    QChar* dst = out.data();
+    // Windows-1252 is Latin-1 but for 0x80-0x9F: Qt's vectorised Latin-1 conversion does the
+    // bulk, and the few characters of that range are put right afterwards.
+    QString out = QString::fromLatin1(bytes.data(), bytes.size());
+    QChar* dst = nullptr;
     for (qsizetype i = 0; i < bytes.size(); ++i) {
         const auto b = static_cast<unsigned char>(bytes[i]);
-        dst[i] = (b >= 0x80 && b <= 0x9F) ? QChar(high[b - 0x80]) : QChar(b);
+        if (b - 0x80u < 0x20u) {
+            if (!dst)
+                dst = out.data();
+            dst[i] = QChar(high[b - 0x80]);
+        }
     }
     return out;
 }
