@@ -356,7 +356,7 @@ template <class Write> void exportFile(benchmark::State& state, const QString& n
     QFile::remove(path);
 }
 
-const chartexport::Caption caption{"Site: RF13", "a month"};
+const chartexport::Caption caption{"Site: RF13", "a month", {}};
 
 void BM_ExportCsvZoomAll(benchmark::State& state) {
     std::vector<csvexport::Column> columns;
