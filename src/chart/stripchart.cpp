@@ -115,7 +115,10 @@ Geometry StripChart::Impl::geometry(const QRectF& area, double scale, const QFon
         g.bands.emplace_back(g.plot.left(), g.plot.top() + t * (bandHeight + gap), g.plot.width(),
                              bandHeight);
     g.time = TimeMapping{model.xViewStart(), model.xViewEnd(), g.plot.left(), g.plot.width()};
-    const double tickWidth = fm.horizontalAdvance(QStringLiteral("00/00/0000")) + 16.0 * scale;
+    // A slot as wide as the widest label line, a date or a time with tenths.
+    const double tickWidth = std::max(fm.horizontalAdvance(QStringLiteral("00/00/0000")),
+                                      fm.horizontalAdvance(QStringLiteral("00:00:00.0"))) +
+                             16.0 * scale;
     g.maxTimeTicks = std::max(1, pixelIndex(std::floor(g.plot.width() / tickWidth)));
     return g;
 }
@@ -283,7 +286,8 @@ void StripChart::Impl::paintAxes(QPainter& p, const Geometry& g) const {
             const QString& label = tick.label;
             // Keep the end labels inside the band so neighbouring bands do not collide.
             const double h = fm.height();
-            const double top = std::clamp(y - h / 2.0, band.top(), band.bottom() - h);
+            // (Not std::clamp: a band lower than a label has its bounds the wrong way round.)
+            const double top = std::max(band.top(), std::min(y - h / 2.0, band.bottom() - h));
             p.drawText(QRectF(g.area.left(), top,
                               band.left() - tickLength - g.area.left() - 2.0 * g.scale, h),
                        Qt::AlignRight | Qt::AlignVCenter, label);
