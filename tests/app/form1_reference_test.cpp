@@ -13,8 +13,15 @@ TEST_F(ReferenceReadouts, FollowTheCursorAndTheReferenceAndLeaveNothingBehind) {
     loadChannels(3); // channel k reads k * 100 + the minute of the day
     showWindow();
     StatsPanel& panel = *w->picStats;
+    const auto labelGeometries = [&panel] {
+        QList<QRect> out;
+        for (const QLabel* label : panel.findChildren<QLabel*>())
+            if (!label->isHidden())
+                out << label->geometry();
+        return out;
+    };
     const int panelWidth = panel.minimumWidth();
-    const QRect maxGeometry = panel.rows[0].lblMax->geometry();
+    const QList<QRect> before = labelGeometries();
     EXPECT_TRUE(w->referencePanel->isHidden());
 
     w->Strip1->setCursorX(mar15 + 7 * minute);
@@ -31,6 +38,14 @@ TEST_F(ReferenceReadouts, FollowTheCursorAndTheReferenceAndLeaveNothingBehind) {
                   k < 3 ? QString::number((k + 1) * 100 + 2) + ".00" : QStringLiteral("0.00"));
         EXPECT_EQ(row.lblDelta->text(), k < 3 ? "5.00" : "0.00");
     }
+    const QLabel* max = panel.rows[0].lblMax;
+    QStringList headings; // right of "Max", level with the column headings
+    for (const QLabel* label : panel.findChildren<QLabel*>())
+        if (label->isVisible() && label->y() < max->y() && label->x() > max->geometry().right())
+            headings << label->text();
+    EXPECT_EQ(headings, (QStringList{"Ref Value", "Delta"}));
+    EXPECT_GT(panel.rows[0].lblRefValue->x(), max->geometry().right());
+    EXPECT_GT(panel.rows[0].lblDelta->x(), panel.rows[0].lblRefValue->geometry().right());
     EXPECT_GT(panel.minimumWidth(), panelWidth);
     EXPECT_TRUE(QTest::qWaitFor([&] { return w->Strip1->width() >= panel.minimumWidth(); }, 1000))
         << "the chart column makes room for the columns";
@@ -57,7 +72,7 @@ TEST_F(ReferenceReadouts, FollowTheCursorAndTheReferenceAndLeaveNothingBehind) {
     EXPECT_TRUE(w->referencePanel->isHidden());
     EXPECT_TRUE(panel.rows[0].lblRefValue->isHidden());
     EXPECT_EQ(panel.minimumWidth(), panelWidth);
-    EXPECT_EQ(panel.rows[0].lblMax->geometry(), maxGeometry);
+    EXPECT_EQ(labelGeometries(), before) << "every label where it was";
 }
 
 } // namespace

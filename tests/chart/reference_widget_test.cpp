@@ -1,10 +1,8 @@
-#include "chart/statspanel.h"
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
 #include "chartfixtures.h"
 
 #include <QImage>
-#include <QLabel>
 #include <QPainter>
 #include <QSignalSpy>
 #include <gtest/gtest.h>
@@ -55,44 +53,6 @@ TEST(ReferenceCursor, DrawnDashedOnScreenAndOnPaperAndEveryChangeReported) {
     chart.model().setReferenceX(std::nullopt);
     EXPECT_EQ(referencePixels(chart.grab().toImage(), xOf(45000.75), plot), 0);
     EXPECT_EQ(changes.count(), 3) << "set, moved, removed";
-}
-
-QList<QRect> labelGeometries(const StatsPanel& panel) {
-    QList<QRect> out;
-    for (const QLabel* label : panel.findChildren<QLabel*>())
-        if (!label->isHidden())
-            out << label->geometry();
-    return out;
-}
-
-TEST(ReferenceColumns, FollowMaxWhileShownAndLeaveThePanelAsItWasWhenRemoved) {
-    StatsPanel fresh(96);
-    StatsPanel panel(96);
-    panel.show();
-    const QList<QRect> before = labelGeometries(panel);
-    ASSERT_EQ(before, labelGeometries(fresh));
-
-    panel.setReferenceShown(true);
-    for (int i = 0; i < StatsPanel::rowCount; ++i)
-        panel.showReference(i, 2.344 + i, 12.346 + 2 * i);
-    const StatsRow& row = panel.rows[3];
-    EXPECT_EQ(row.lblRefValue->text(), "5.34");
-    EXPECT_EQ(row.lblDelta->text(), "13.00");
-    EXPECT_TRUE(row.lblRefValue->isVisible());
-    EXPECT_GT(row.lblRefValue->x(), row.lblMax->geometry().right());
-    EXPECT_GT(row.lblDelta->x(), row.lblRefValue->geometry().right());
-    EXPECT_EQ(row.lblDelta->y(), row.lblMax->y());
-    QStringList headings;
-    for (const QLabel* label : panel.findChildren<QLabel*>())
-        if (label->y() < panel.rows[0].lblMax->y() && label->x() > row.lblMax->geometry().right())
-            headings << label->text();
-    EXPECT_EQ(headings, (QStringList{"Ref Value", "Delta"}));
-    EXPECT_GT(panel.minimumWidth(), fresh.minimumWidth());
-
-    panel.setReferenceShown(false);
-    EXPECT_FALSE(row.lblRefValue->isVisible());
-    EXPECT_EQ(labelGeometries(panel), before);
-    EXPECT_EQ(panel.minimumWidth(), fresh.minimumWidth());
 }
 
 } // namespace

@@ -67,20 +67,6 @@ TEST(ValueTicks, EndsAsTheyAreInnerTicsAtRoundValues) {
     }
 }
 
-TEST(ValueTicks, StepIsOneTwoOrFiveTimesAPowerOfTen) {
-    const struct {
-        double low, high;
-        int maxTicks;
-        double step;
-    } rows[] = {{0, 87.3, 7, 20},     {0, 100, 10, 10},     {0, 100, 4, 50}, {-1, 1, 5, 0.5},
-                {0, 0.003, 3, 0.001}, {1e6, 1.7e6, 7, 1e5}, {5, 5, 5, 0},    {0, inf, 5, 0},
-                {3, 1, 4, 0.5},       {0, 1, 0, 0}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::Message() << row.low << ".." << row.high << " in " << row.maxTicks);
-        EXPECT_DOUBLE_EQ(valueTickStep(row.low, row.high, row.maxTicks), row.step);
-    }
-}
-
 // The time axis from the narrowest zoom to a third of a year, at the widths of a chart in the
 // smallest main window up to a 4K screen. A label line is at most 10 characters and a tic slot
 // as wide as the widest date ("12/28/2088") and a margin, as the chart measures it.
