@@ -421,6 +421,34 @@ BENCHMARK(BM_ExportSvgZoomAll)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_SiteReportOneDay)->Unit(benchmark::kMillisecond)->Iterations(2);
 BENCHMARK(BM_ImbalanceWindowZoomAll)->Unit(benchmark::kMillisecond);
 
+// ---- Reference cursor ----
+
+// The zoom-all repaint with the reference cursor set: curve layer, cursor and dashed line.
+void BM_RepaintMonth_ZoomAll_WithReference(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    chart.model().setReferenceX(firstDay + 7.25);
+    reportRatio(state, repaint(state, chart, firstDay, firstDay + days));
+    chart.model().setReferenceX(std::nullopt);
+}
+
+// Moving the reference cursor keeps the curve layer, as a cursor move does.
+void BM_ReferenceMoveRepaint(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    chart.ShowXRange(firstDay, firstDay + days);
+    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    chart.render(&image);
+    int i = 0;
+    for (auto _ : state) {
+        chart.model().setReferenceX(firstDay + 0.5 + double(i++ % 28));
+        chart.render(&image);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+    chart.model().setReferenceX(std::nullopt);
+}
+
+BENCHMARK(BM_RepaintMonth_ZoomAll_WithReference)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_ReferenceMoveRepaint)->Unit(benchmark::kMillisecond);
+
 } // namespace
 
 int main(int argc, char** argv) {

@@ -115,6 +115,8 @@ signals:
     void CursorChange(double x);
     // A mouse button went down: button 1 left, 2 right, 4 middle; shift 1 Shift, 2 Ctrl, 4 Alt.
     void ChartMouseDown(int button, int shift, double x, double y);
+    // The reference cursor was set, moved or removed (model().referenceX()).
+    void ReferenceChange();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
