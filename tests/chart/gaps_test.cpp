@@ -40,14 +40,6 @@ std::vector<Gap> gapsOf(const StripChartModel& m, int k = 0) {
     return out;
 }
 
-TEST(GapLimit, TenMedianSpacingsAndAtLeastAMinute) {
-    EXPECT_DOUBLE_EQ(gaps::gapLimit(0.0), 60 * second);
-    EXPECT_DOUBLE_EQ(gaps::gapLimit(1 * second), 60 * second);
-    EXPECT_DOUBLE_EQ(gaps::gapLimit(10 * second), 100 * second);
-    EXPECT_DOUBLE_EQ(gaps::gapLimit(300 * second), 3000 * second);
-    EXPECT_DOUBLE_EQ(gaps::medianSpacing(std::vector<double>{0, 1, 2, 10, 11}), 1.0);
-}
-
 // A log of `spacing` seconds with one hole of `hole` seconds in the middle, given in blocks as a
 // load gives days, in time order or backwards.
 struct HoleRow {
@@ -107,24 +99,6 @@ TEST(RecordingGaps, ClockSetBackLeavesNoGapWhereSortedNeighboursAreClose) {
     const std::vector<Gap> found = gapsOf(m);
     ASSERT_EQ(found.size(), 1u);
     EXPECT_DOUBLE_EQ(found[0].end, day0 + 1.0);
-}
-
-TEST(RecordingGaps, OnlyGapsOverlappingTheAskedWindowAndInsideTheVariable) {
-    StripChartModel m;
-    std::vector<double> t = run(day0, 100, 1);
-    for (double start : {day0 + 0.1, day0 + 0.2}) {
-        const std::vector<double> more = run(start, 100, 1);
-        t.insert(t.end(), more.begin(), more.end());
-    }
-    m.addXYArray(0, arrayOf(t));
-    std::vector<Gap> out;
-    m.recordingGaps(0, day0 + 0.15, day0 + 0.3, out);
-    ASSERT_EQ(out.size(), 1u);
-    EXPECT_DOUBLE_EQ(out[0].end, day0 + 0.2);
-    // A variable that keeps only its newest points no longer reaches back to the first gap.
-    m.setMaxBufferSize(150);
-    m.recordingGaps(0, -1e9, 1e9, out);
-    EXPECT_EQ(out.size(), 1u);
 }
 
 // A day of one-second rows with the rows of [holeFrom, holeTo) seconds missing.

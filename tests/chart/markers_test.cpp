@@ -37,24 +37,6 @@ TEST(EventMarkers, OneColumnPerPixelWithTheCountAndTheMostUrgentKind) {
     EXPECT_EQ(columns[1].kind, MarkerKind::Other);
 }
 
-TEST(EventMarkers, SixtyThousandMarkersInViewGiveAtMostOneColumnPerPixel) {
-    std::vector<EventMarker> all;
-    for (int i = 0; i < 60000; ++i)
-        all.push_back(marker(double((i * 7919) % 60000) / 600.0, MarkerKind(i % 4), i));
-    EventMarkers m;
-    m.assign(std::move(all));
-    std::vector<MarkerColumn> columns;
-    m.columns(mapping, columns);
-    ASSERT_EQ(columns.size(), 100u);
-    std::size_t total = 0;
-    for (std::size_t c = 0; c < columns.size(); ++c) {
-        EXPECT_EQ(columns[c].x, int(c));
-        EXPECT_EQ(columns[c].first, total) << "columns follow each other without a hole";
-        total += columns[c].count;
-    }
-    EXPECT_EQ(total, 60000u);
-}
-
 TEST(EventMarkers, FlagUnderThePointerAndItsTooltip) {
     EventMarkers m;
     std::vector<EventMarker> all{marker(20.5, MarkerKind::Fault, 0, "03/15/12 10:22:33 - Overload"),
