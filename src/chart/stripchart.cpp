@@ -11,7 +11,9 @@
 
 #include <QFontMetricsF>
 #include <QHelpEvent>
+#include <QImage>
 #include <QMouseEvent>
+#include <QPaintEngine>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -95,7 +97,8 @@ struct StripChart::Impl {
     void paintGaps(QPainter& p, const Geometry& g);
     void breakAtGaps(int k, const Geometry& g);
     void drawPieces(QPainter& p);
-    void paintEventMarkers(QPainter& p, const Geometry& g);
+    void paintMarkerLines(QPainter& p, const Geometry& g);
+    void paintMarkerFlags(QPainter& p, const Geometry& g);
     std::optional<MarkerColumn> flagAt(const Geometry& g, const QPointF& pos) const;
     void paintAxes(QPainter& p, const Geometry& g) const;
     void paintCursor(QPainter& p, const Geometry& g) const;
@@ -170,8 +173,9 @@ void StripChart::Impl::paintBase(QPainter& p, const Geometry& g) {
         }
     }
     paintGaps(p, g);
+    paintMarkerLines(p, g);
     paintCurves(p, g);
-    paintEventMarkers(p, g);
+    paintMarkerFlags(p, g);
     p.setPen(frame);
     p.setBrush(Qt::NoBrush);
     for (const QRectF& band : g.bands)
@@ -358,39 +362,63 @@ QColor markerColor(MarkerKind kind) {
     return QColor(110, 110, 110);
 }
 
+// The colour of a marker's line: opaque and pale, so the curves drawn over it stay clear.
+QColor lineColor(MarkerKind kind) {
+    const QColor c = markerColor(kind);
+    return QColor((c.red() + 2 * 255) / 3, (c.green() + 2 * 255) / 3, (c.blue() + 2 * 255) / 3);
+}
+
+// Whole-pixel rectangles of one colour per marker kind, the most urgent kinds on top.
+void paintByKind(QPainter& p, std::vector<QRect> (&rects)[4], bool lines) {
+    for (int k = 3; k >= 0; --k) {
+        const QColor color = lines ? lineColor(MarkerKind(k)) : markerColor(MarkerKind(k));
+        for (const QRect& r : rects[k])
+            p.fillRect(r, color);
+    }
+}
+
 } // namespace
 
-// A thin line across all tracks per pixel column that holds markers, with a flag at the top.
-void StripChart::Impl::paintEventMarkers(QPainter& p, const Geometry& g) {
+// A thin line across all tracks per pixel column that holds markers, under the curves.
+void StripChart::Impl::paintMarkerLines(QPainter& p, const Geometry& g) {
     if (!model.appearance().eventMarkers || markers.empty())
         return;
     markers.columns(g.time, markerColumns);
-    constexpr int kinds = 4;
-    std::vector<QLineF> lines[kinds];
-    std::vector<QRectF> flags[kinds];
-    const double w = flagWidth * g.scale;
-    const double h = flagHeight * g.scale;
-    for (const MarkerColumn& c : markerColumns) {
-        const double x = c.x;
-        if (x < std::floor(g.plot.left()) || x > g.plot.right())
-            continue;
-        lines[int(c.kind)].emplace_back(x, g.plot.top(), x, g.plot.bottom());
-        flags[int(c.kind)].emplace_back(x, g.plot.top(), w, h);
+    const QRect plot = g.plot.toAlignedRect() & g.plot.toRect();
+    if (plot.isEmpty())
+        return;
+    if (p.paintEngine() && p.paintEngine()->type() == QPaintEngine::Raster && g.scale == 1.0) {
+        // A marker in every pixel column would cost a span per line and row; one row of lines
+        // stretched over the plot's height is blended a whole row at a time instead.
+        QImage row(plot.width(), 1, QImage::Format_ARGB32_Premultiplied);
+        row.fill(Qt::transparent);
+        auto* pixels = reinterpret_cast<QRgb*>(row.scanLine(0));
+        for (const MarkerColumn& c : markerColumns)
+            if (c.x >= plot.left() && c.x <= plot.right())
+                pixels[c.x - plot.left()] = lineColor(c.kind).rgba();
+        p.drawImage(plot, row);
+        return;
     }
-    p.save();
-    p.setRenderHint(QPainter::Antialiasing, false);
-    p.setClipRect(g.plot);
-    for (int k = kinds - 1; k >= 0; --k) { // the most urgent kinds on top
-        QColor color = markerColor(MarkerKind(k));
-        QColor line = color;
-        line.setAlpha(150);
-        p.setPen(QPen(line, g.scale < 1.5 ? 0.0 : g.scale));
-        p.drawLines(lines[k].data(), int(lines[k].size()));
-        p.setPen(Qt::NoPen);
-        p.setBrush(color);
-        p.drawRects(flags[k].data(), int(flags[k].size()));
-    }
-    p.restore();
+    std::vector<QRect> lines[4];
+    const int w = std::max(1, pixelIndex(g.scale));
+    for (const MarkerColumn& c : markerColumns)
+        if (c.x >= plot.left() && c.x <= plot.right())
+            lines[int(c.kind)].emplace_back(c.x, plot.top(), std::min(w, plot.right() + 1 - c.x),
+                                            plot.height());
+    paintByKind(p, lines, true);
+}
+
+// The flags at the top of the plot, over the curves; the columns are those of the lines.
+void StripChart::Impl::paintMarkerFlags(QPainter& p, const Geometry& g) {
+    if (!model.appearance().eventMarkers || markers.empty())
+        return;
+    std::vector<QRect> flags[4];
+    const QRect plot = g.plot.toAlignedRect() & g.plot.toRect();
+    const QSize size(pixelIndex(flagWidth * g.scale), pixelIndex(flagHeight * g.scale));
+    for (const MarkerColumn& c : markerColumns)
+        if (c.x >= plot.left() && c.x <= plot.right())
+            flags[int(c.kind)].push_back(QRect(QPoint(c.x, plot.top()), size) & plot);
+    paintByKind(p, flags, false);
 }
 
 std::optional<MarkerColumn> StripChart::Impl::flagAt(const Geometry& g, const QPointF& pos) const {
