@@ -23,6 +23,7 @@
 #include <QToolTip>
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -388,15 +389,18 @@ void StripChart::Impl::paintMarkerLines(QPainter& p, const Geometry& g) {
     if (plot.isEmpty())
         return;
     if (p.paintEngine() && p.paintEngine()->type() == QPaintEngine::Raster && g.scale == 1.0) {
-        // A marker in every pixel column would cost a span per line and row; one row of lines
-        // stretched over the plot's height is blended a whole row at a time instead.
-        QImage row(plot.width(), 1, QImage::Format_ARGB32_Premultiplied);
-        row.fill(Qt::transparent);
-        auto* pixels = reinterpret_cast<QRgb*>(row.scanLine(0));
+        // A marker in every pixel column would cost a span per line and row; a strip of all the
+        // lines, tiled down the plot, is blended whole rows at a time instead.
+        QImage strip(plot.width(), std::min(plot.height(), 32),
+                     QImage::Format_ARGB32_Premultiplied);
+        strip.fill(Qt::transparent);
+        auto* pixels = reinterpret_cast<QRgb*>(strip.scanLine(0));
         for (const MarkerColumn& c : markerColumns)
             if (c.x >= plot.left() && c.x <= plot.right())
                 pixels[c.x - plot.left()] = lineColor(c.kind).rgba();
-        p.drawImage(plot, row);
+        for (int y = 1; y < strip.height(); ++y)
+            std::memcpy(strip.scanLine(y), pixels, std::size_t(strip.bytesPerLine()));
+        p.drawTiledPixmap(plot, QPixmap::fromImage(strip));
         return;
     }
     std::vector<QRect> lines[4];
