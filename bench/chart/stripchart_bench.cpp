@@ -460,3 +460,62 @@ int main(int argc, char** argv) {
     benchmark::Shutdown();
     return 0;
 }
+
+// ---- Event markers and recording gaps ----
+
+namespace {
+
+using namespace trendax;
+
+// 60,000 markers of every kind spread evenly over [start, end].
+std::vector<EventMarker> manyMarkers(double start, double end) {
+    constexpr int count = 60'000;
+    std::vector<EventMarker> markers;
+    markers.reserve(count);
+    for (int i = 0; i < count; ++i)
+        markers.push_back({start + (end - start) * (double(i) + 0.5) / count, MarkerKind(i % 4),
+                           MarkerSource::HistoryEvent, i,
+                           QStringLiteral("03/15/12 10:22:33 - Overload")});
+    return markers;
+}
+
+// Repaints of the month with 60,000 markers in view: at zoom-all spread over the month, and in a
+// one-hour window all inside that hour.
+void BM_RepaintMonth_60000Markers(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    const double start = state.range(0) ? firstDay + 15.0 : firstDay;
+    const double end = state.range(0) ? start + 1.0 / 24.0 : firstDay + days;
+    chart.setEventMarkers(manyMarkers(start, end));
+    const double seconds = repaint(state, chart, start, end);
+    chart.setEventMarkers({});
+    state.counters["under_16ms"] = seconds < 0.016 ? 1.0 : 0.0;
+}
+
+// The gap detection of a load: the reference month's one time column (all 13 variables share
+// it) appended day by day, as the chart does for every data log. Compare with a whole load of
+// the same month (trendax-load-bench) for its share of the load.
+void BM_GapDetectionReferenceMonth(benchmark::State& state) {
+    std::vector<double> day(rowsPerDay);
+    for (auto _ : state) {
+        gaps::GapIndex index;
+        for (int d = 0; d < days; ++d) {
+            state.PauseTiming();
+            for (std::size_t i = 0; i < rowsPerDay; ++i)
+                day[i] = firstDay + double(d) + double(i) / double(rowsPerDay);
+            state.ResumeTiming();
+            index.append(day.data(), day.size());
+        }
+        std::vector<gaps::Gap> found;
+        index.gapsIn(firstDay, firstDay + days, found);
+        benchmark::DoNotOptimize(found.data());
+    }
+}
+
+BENCHMARK(BM_RepaintMonth_60000Markers)
+    ->Arg(0)
+    ->Arg(1)
+    ->Unit(benchmark::kMillisecond)
+    ->MinTime(2.0);
+BENCHMARK(BM_GapDetectionReferenceMonth)->Unit(benchmark::kMillisecond);
+
+} // namespace

@@ -3,6 +3,7 @@
 #include "app/sitereport.h"
 #include "chart/channellayouts.h"
 #include "chart/csvexport.h"
+#include "chart/eventmarkers.h"
 #include "chart/imbalance.h"
 #include "chart/statspanel.h"
 #include "chart/xyarray.h"
@@ -212,6 +213,10 @@ public:
     void gridHistoryEvents_Click(int row);
     // pos: the pointer in gridHistoryEvents' own coordinates.
     void gridHistoryEvents_MouseMove(const QPoint& pos);
+    // Gives the chart a marker for every entry of lstHST and every row of gridHistoryEvents.
+    void UpdateEventMarkers();
+    // A click on a marker's flag does what a click on its event or comment row does.
+    void Strip1_MarkerClick(MarkerSource source, int index);
 
     // ---- Export, report, clipboard, imbalance ----
     void ExportView();

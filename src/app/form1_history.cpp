@@ -3,6 +3,7 @@
 #include "app/form1.h"
 #include "chart/stripchart.h"
 #include "history/historyfile.h"
+#include "history/markerfeed.h"
 #include "history/usercomments.h"
 #include "loading/wellload.h"
 #include "storage/datetime.h"
@@ -90,6 +91,7 @@ void Form1::cmdAddComment_Click() {
     QStringList rows = commentGridRows();
     history::sortCommentRows(rows);
     showCommentRows(rows);
+    UpdateEventMarkers();
 }
 
 void Form1::centreOn(double t) {
@@ -133,6 +135,17 @@ void Form1::gridHistoryEvents_MouseMove(const QPoint& pos) {
     gridHistoryEvents->setCurrentCell(row, 1);
     const QTableWidgetItem* cell = gridHistoryEvents->item(row, 1);
     gridHistoryEvents->setToolTip(cell ? cell->text() : QString());
+}
+
+void Form1::UpdateEventMarkers() {
+    Strip1->setEventMarkers(history::eventMarkers(lstHST->entries(), commentGridRows()));
+}
+
+void Form1::Strip1_MarkerClick(MarkerSource source, int index) {
+    if (source == MarkerSource::HistoryEvent)
+        lstHST_Click(index);
+    else
+        gridHistoryEvents_Click(index);
 }
 
 } // namespace trendax

@@ -160,6 +160,8 @@ void Form1::LoadWell() {
     bool busyPointer = false;
     const auto restoreWindow = [&] {
         lstHST->holdLayout(false);
+        // Once for the whole load: rebuilding tens of thousands of markers per day would cost.
+        UpdateEventMarkers();
         readBuffer_ = QByteArray(); // only a load needs it
         if (progress_)
             progress_->close();
@@ -179,6 +181,7 @@ void Form1::LoadWell() {
         Strip1->setChartMode(1);
         Strip1->setXSpan(2);
         lstHST->clear();
+        Strip1->setEventMarkers({});
         lstHST->holdLayout(true);
         Strip1->ClearData();
 

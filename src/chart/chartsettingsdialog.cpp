@@ -19,6 +19,8 @@ ChartSettingsDialog::ChartSettingsDialog(QWidget* parent) : QDialog(parent) {
     spnLineWidth->setRange(1, 10);
     spnLineWidth->setSuffix(tr(" px"));
     cmdBackColor = new QPushButton(this);
+    chkEventMarkers = new QCheckBox(tr("Show event markers"), this);
+    chkBridgeGaps = new QCheckBox(tr("Bridge recording gaps"), this);
     cmdBackColor->setMinimumWidth(80);
     buttonBox = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
 
@@ -26,6 +28,8 @@ ChartSettingsDialog::ChartSettingsDialog(QWidget* parent) : QDialog(parent) {
     form->addRow(chkGridLines);
     form->addRow(tr("Line width:"), spnLineWidth);
     form->addRow(tr("Background:"), cmdBackColor);
+    form->addRow(chkEventMarkers);
+    form->addRow(chkBridgeGaps);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addWidget(buttonBox);
@@ -39,6 +43,8 @@ ChartSettingsDialog::ChartSettingsDialog(QWidget* parent) : QDialog(parent) {
 void ChartSettingsDialog::setSettings(const ChartSettings& settings) {
     chkGridLines->setChecked(settings.appearance.gridLines);
     spnLineWidth->setValue(settings.appearance.lineWidth);
+    chkEventMarkers->setChecked(settings.appearance.eventMarkers);
+    chkBridgeGaps->setChecked(settings.appearance.bridgeGaps);
     setBackColor(settings.backColor);
 }
 
@@ -46,6 +52,8 @@ ChartSettings ChartSettingsDialog::settings() const {
     ChartSettings s;
     s.appearance.gridLines = chkGridLines->isChecked();
     s.appearance.lineWidth = spnLineWidth->value();
+    s.appearance.eventMarkers = chkEventMarkers->isChecked();
+    s.appearance.bridgeGaps = chkBridgeGaps->isChecked();
     s.backColor = backColor_;
     return s;
 }

@@ -20,7 +20,8 @@ struct ChartSettings {
     bool operator==(const ChartSettings&) const = default;
 };
 
-// The chart's own settings dialog: grid lines, curve line width and background colour. It only
+// The chart's own settings dialog: grid lines, curve line width, background colour, event markers
+// and recording gaps. It only
 // edits a ChartSettings value; the chart applies it when the dialog is accepted, so the dialog
 // can be built and driven without a chart and without exec().
 class ChartSettingsDialog : public QDialog {
@@ -34,6 +35,8 @@ public:
 
     QCheckBox* gridLinesBox() const { return chkGridLines; }
     QSpinBox* lineWidthBox() const { return spnLineWidth; }
+    QCheckBox* eventMarkersBox() const { return chkEventMarkers; }
+    QCheckBox* bridgeGapsBox() const { return chkBridgeGaps; }
     QPushButton* backColorButton() const { return cmdBackColor; }
     QDialogButtonBox* buttons() const { return buttonBox; }
     // Sets the background colour shown (the colour button's chooser ends here too).
@@ -44,6 +47,8 @@ private:
 
     QCheckBox* chkGridLines = nullptr;
     QSpinBox* spnLineWidth = nullptr;
+    QCheckBox* chkEventMarkers = nullptr;
+    QCheckBox* chkBridgeGaps = nullptr;
     QPushButton* cmdBackColor = nullptr;
     QDialogButtonBox* buttonBox = nullptr;
     PackedColor backColor_ = 0xFFFFFF;

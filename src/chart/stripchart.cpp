@@ -2,6 +2,7 @@
 
 #include "chart/chartmapping.h"
 #include "chart/chartsettingsdialog.h"
+#include "chart/gaps.h"
 #include "chart/legend.h"
 #include "chart/pixelpath.h"
 #include "chart/stripchartmodel.h"
@@ -10,15 +11,20 @@
 #include "storage/qtcolor.h"
 
 #include <QFontMetricsF>
+#include <QHelpEvent>
+#include <QImage>
 #include <QMouseEvent>
+#include <QPaintEngine>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPixmap>
 #include <QPrinter>
 #include <QTimer>
+#include <QToolTip>
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -33,6 +39,8 @@ constexpr double axisFontPixels = 11.0;
 constexpr double captionFontPixels = 15.0;
 constexpr double bandGap = 4.0;
 constexpr double markerSize = 7.0;
+constexpr double flagWidth = 7.0;
+constexpr double flagHeight = 6.0;
 
 // Where everything goes for one area and resolution; recomputed per paint (cheap) so that the
 // click mapping and the picture always agree.
@@ -69,11 +77,22 @@ struct StripChart::Impl {
     std::optional<double> pendingDrag;
     std::vector<CurvePoint> curve; // scratch, kept to avoid an allocation per curve
     std::vector<QPointF> polyline; // the same in pixels
+    EventMarkers markers;
+    std::vector<MarkerColumn> markerColumns; // scratch
+    std::vector<gaps::Gap> gapList;          // scratch
+    std::vector<std::size_t> gapBreaks;      // scratch
+    std::vector<std::size_t> pieceStarts;    // where each piece of the polyline begins
 
     Geometry geometry(const QRectF& area, double scale, const QFont& base) const;
     void paintBase(QPainter& p, const Geometry& g);
     void paintCurves(QPainter& p, const Geometry& g);
     void paintMarkers(QPainter& p, int style, const QColor& color, double scale);
+    void paintGaps(QPainter& p, const Geometry& g);
+    void breakAtGaps(int k, const Geometry& g);
+    void drawPieces(QPainter& p);
+    void paintMarkerLines(QPainter& p, const Geometry& g);
+    void paintMarkerFlags(QPainter& p, const Geometry& g);
+    std::optional<MarkerColumn> flagAt(const Geometry& g, const QPointF& pos) const;
     void paintAxes(QPainter& p, const Geometry& g) const;
     void paintCursor(QPainter& p, const Geometry& g) const;
     void paintReference(QPainter& p, const Geometry& g) const;
@@ -167,7 +186,10 @@ void StripChart::Impl::paintBase(QPainter& p, const Geometry& g) {
             }
         }
     }
+    paintGaps(p, g);
+    paintMarkerLines(p, g);
     paintCurves(p, g);
+    paintMarkerFlags(p, g);
     p.setPen(frame);
     p.setBrush(Qt::NoBrush);
     for (const QRectF& band : g.bands)
@@ -196,13 +218,13 @@ void StripChart::Impl::paintCurves(QPainter& p, const Geometry& g) {
         polyline.reserve(curve.size());
         for (const CurvePoint& c : curve)
             polyline.emplace_back(safePixel(g.time.toX(c.time)), values.toY(c.value));
-        collapsePixelColumns(polyline);
+        breakAtGaps(k, g);
         p.save();
         p.setClipRect(band);
         const QColor color = toQColor(v.color);
         p.setPen(QPen(color, lineWidth < 1.5 ? 0.0 : lineWidth, Qt::SolidLine, Qt::FlatCap,
                       Qt::BevelJoin));
-        p.drawPolyline(polyline.data(), int(polyline.size()));
+        drawPieces(p);
         if (v.symbol > 0)
             paintMarkers(p, (v.symbol - 1) % 13 + 1, color, g.scale);
         p.restore();
@@ -267,6 +289,161 @@ void StripChart::Impl::paintMarkers(QPainter& p, int style, const QColor& color,
             break;
         }
     }
+}
+
+// ---- Recording gaps ----
+
+// Each band shades the stretches where any of its curves has a recording gap.
+void StripChart::Impl::paintGaps(QPainter& p, const Geometry& g) {
+    if (model.appearance().bridgeGaps)
+        return;
+    std::vector<gaps::Gap> bandGaps;
+    for (std::size_t t = 0; t < g.bands.size(); ++t) {
+        bandGaps.clear();
+        for (int k = 0; k < StripChartModel::variableCount; ++k) {
+            const VariableSettings& v = model.variable(k);
+            if (!v.visible || v.track != int(t))
+                continue;
+            model.recordingGaps(k, model.xViewStart(), model.xViewEnd(), gapList);
+            bandGaps.insert(bandGaps.end(), gapList.begin(), gapList.end());
+        }
+        std::sort(bandGaps.begin(), bandGaps.end(),
+                  [](const gaps::Gap& a, const gaps::Gap& b) { return a.start < b.start; });
+        const QRectF& band = g.bands[t];
+        const auto fill = [&](double x0, double x1) {
+            x0 = std::max(x0, band.left());
+            x1 = std::min(x1, band.right());
+            if (x1 - x0 >= 1.0)
+                p.fillRect(QRectF(x0, band.top(), x1 - x0, band.height()), QColor(0, 0, 0, 28));
+        };
+        // Overlapping gaps of several curves are shaded once, so the shade stays even.
+        double from = 0.0, to = 0.0;
+        bool open = false;
+        for (const gaps::Gap& gap : bandGaps) {
+            const double x0 = safePixel(g.time.toX(gap.start));
+            const double x1 = safePixel(g.time.toX(gap.end));
+            if (open && x0 <= to) {
+                to = std::max(to, x1);
+                continue;
+            }
+            if (open)
+                fill(from, to);
+            from = x0;
+            to = x1;
+            open = true;
+        }
+        if (open)
+            fill(from, to);
+    }
+}
+
+// Shortens the polyline of variable k's curve and cuts it where it would bridge a gap.
+void StripChart::Impl::breakAtGaps(int k, const Geometry& g) {
+    gapBreaks.clear();
+    if (!model.appearance().bridgeGaps) {
+        model.recordingGaps(k, model.xViewStart(), model.xViewEnd(), gapList);
+        gaps::gapBreaks(curve, gapList, g.time, gapBreaks);
+    }
+    gaps::collapsePieces(polyline, gapBreaks, pieceStarts);
+}
+
+void StripChart::Impl::drawPieces(QPainter& p) {
+    for (std::size_t i = 0; i < pieceStarts.size(); ++i) {
+        const std::size_t from = pieceStarts[i];
+        const std::size_t to = i + 1 < pieceStarts.size() ? pieceStarts[i + 1] : polyline.size();
+        if (to - from == 1)
+            p.drawPoint(polyline[from]); // a lone point between two gaps stays visible
+        else if (to > from)
+            p.drawPolyline(polyline.data() + from, int(to - from));
+    }
+}
+
+// ---- Event markers ----
+
+namespace {
+
+QColor markerColor(MarkerKind kind) {
+    switch (kind) {
+    case MarkerKind::Fault:
+        return QColor(220, 20, 20);
+    case MarkerKind::StartStop:
+        return QColor(0, 150, 60);
+    case MarkerKind::Comment:
+        return QColor(150, 60, 220);
+    case MarkerKind::Other:
+        break;
+    }
+    return QColor(110, 110, 110);
+}
+
+// The colour of a marker's line: opaque and pale, so the curves drawn over it stay clear.
+QColor lineColor(MarkerKind kind) {
+    const QColor c = markerColor(kind);
+    return QColor((c.red() + 2 * 255) / 3, (c.green() + 2 * 255) / 3, (c.blue() + 2 * 255) / 3);
+}
+
+// Whole-pixel rectangles of one colour per marker kind, the most urgent kinds on top.
+void paintByKind(QPainter& p, std::vector<QRect> (&rects)[4], bool lines) {
+    for (int k = 3; k >= 0; --k) {
+        const QColor color = lines ? lineColor(MarkerKind(k)) : markerColor(MarkerKind(k));
+        for (const QRect& r : rects[k])
+            p.fillRect(r, color);
+    }
+}
+
+} // namespace
+
+// A thin line across all tracks per pixel column that holds markers, under the curves.
+void StripChart::Impl::paintMarkerLines(QPainter& p, const Geometry& g) {
+    if (!model.appearance().eventMarkers || markers.empty())
+        return;
+    markers.columns(g.time, markerColumns);
+    const QRect plot = g.plot.toAlignedRect() & g.plot.toRect();
+    if (plot.isEmpty())
+        return;
+    if (p.paintEngine() && p.paintEngine()->type() == QPaintEngine::Raster && g.scale == 1.0) {
+        // A marker in every pixel column would cost a span per line and row; a strip of all the
+        // lines, tiled down the plot, is blended whole rows at a time instead.
+        QImage strip(plot.width(), std::min(plot.height(), 32),
+                     QImage::Format_ARGB32_Premultiplied);
+        strip.fill(Qt::transparent);
+        auto* pixels = reinterpret_cast<QRgb*>(strip.scanLine(0));
+        for (const MarkerColumn& c : markerColumns)
+            if (c.x >= plot.left() && c.x <= plot.right())
+                pixels[c.x - plot.left()] = lineColor(c.kind).rgba();
+        for (int y = 1; y < strip.height(); ++y)
+            std::memcpy(strip.scanLine(y), pixels, std::size_t(strip.bytesPerLine()));
+        p.drawTiledPixmap(plot, QPixmap::fromImage(strip));
+        return;
+    }
+    std::vector<QRect> lines[4];
+    const int w = std::max(1, pixelIndex(g.scale));
+    for (const MarkerColumn& c : markerColumns)
+        if (c.x >= plot.left() && c.x <= plot.right())
+            lines[int(c.kind)].emplace_back(c.x, plot.top(), std::min(w, plot.right() + 1 - c.x),
+                                            plot.height());
+    paintByKind(p, lines, true);
+}
+
+// The flags at the top of the plot, over the curves; the columns are those of the lines.
+void StripChart::Impl::paintMarkerFlags(QPainter& p, const Geometry& g) {
+    if (!model.appearance().eventMarkers || markers.empty())
+        return;
+    std::vector<QRect> flags[4];
+    const QRect plot = g.plot.toAlignedRect() & g.plot.toRect();
+    const QSize size(pixelIndex(flagWidth * g.scale), pixelIndex(flagHeight * g.scale));
+    for (const MarkerColumn& c : markerColumns)
+        if (c.x >= plot.left() && c.x <= plot.right())
+            flags[int(c.kind)].push_back(QRect(QPoint(c.x, plot.top()), size) & plot);
+    paintByKind(p, flags, false);
+}
+
+std::optional<MarkerColumn> StripChart::Impl::flagAt(const Geometry& g, const QPointF& pos) const {
+    if (!model.appearance().eventMarkers || pos.y() < g.plot.top() - 1.0 ||
+        pos.y() > g.plot.top() + flagHeight + 1.0 || pos.x() < g.plot.left() - 1.0 ||
+        pos.x() > g.plot.right() + flagWidth)
+        return std::nullopt;
+    return markers.columnAt(g.time, pos.x(), flagWidth);
 }
 
 void StripChart::Impl::paintAxes(QPainter& p, const Geometry& g) const {
@@ -465,7 +642,23 @@ void StripChart::resizeEvent(QResizeEvent* event) {
     d->layerValid = false;
 }
 
+bool StripChart::clickMarkerFlag(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || event->modifiers() != Qt::NoModifier)
+        return false;
+    const QPointF pos = event->position();
+    const auto column = markerFlagAt(pos);
+    if (!column)
+        return false;
+    emit ChartMouseDown(1, 0, pos.x(), pos.y());
+    const EventMarker& marker = d->markers.at(column->first);
+    emit MarkerClick(marker.source, marker.index);
+    event->accept();
+    return true;
+}
+
 void StripChart::mousePressEvent(QMouseEvent* event) {
+    if (clickMarkerFlag(event))
+        return;
     int button = 0;
     switch (event->button()) {
     case Qt::LeftButton:
@@ -498,6 +691,21 @@ void StripChart::mousePressEvent(QMouseEvent* event) {
     event->accept();
 }
 
+bool StripChart::event(QEvent* event) {
+    if (event->type() == QEvent::ToolTip) {
+        const auto* help = static_cast<QHelpEvent*>(event);
+        const QString text = markerToolTip(help->pos());
+        if (text.isEmpty()) {
+            QToolTip::hideText();
+            event->ignore();
+        } else {
+            QToolTip::showText(help->globalPos(), text, this);
+        }
+        return true;
+    }
+    return QWidget::event(event);
+}
+
 void StripChart::mouseMoveEvent(QMouseEvent* event) {
     if (!d->dragging || !(event->buttons() & Qt::LeftButton)) {
         QWidget::mouseMoveEvent(event);
@@ -520,6 +728,27 @@ void StripChart::mouseReleaseEvent(QMouseEvent* event) {
         flushDrag(); // the place of the release is always reported
     }
     QWidget::mouseReleaseEvent(event);
+}
+
+// ---- Event markers ----
+
+void StripChart::setEventMarkers(std::vector<EventMarker> markers) {
+    d->markers.assign(std::move(markers));
+    d->layerValid = false;
+    update();
+}
+
+const EventMarkers& StripChart::eventMarkers() const {
+    return d->markers;
+}
+
+std::optional<MarkerColumn> StripChart::markerFlagAt(const QPointF& pos) const {
+    return d->flagAt(d->geometry(QRectF(rect()), 1.0, font()), pos);
+}
+
+QString StripChart::markerToolTip(const QPointF& pos) const {
+    const auto column = markerFlagAt(pos);
+    return column ? d->markers.toolTip(*column) : QString();
 }
 
 // ---- Properties ----

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "chart/charttypes.h"
+#include "chart/eventmarkers.h"
 #include "chart/xyarray.h"
 
 #include <QRectF>
@@ -9,6 +10,7 @@
 #include <QWidget>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 
 class QPainter;
@@ -105,6 +107,15 @@ public:
     // cursor to the time under the pointer.
     QRectF plotArea() const;
 
+    // ---- Event markers ----
+    // Replaces the history events and comments drawn as markers across the tracks.
+    void setEventMarkers(std::vector<EventMarker> markers);
+    const EventMarkers& eventMarkers() const;
+    // The markers whose flag is at pos (widget coordinates), unless markers are hidden.
+    std::optional<MarkerColumn> markerFlagAt(const QPointF& pos) const;
+    // The tooltip of the flag at pos; empty where there is none.
+    QString markerToolTip(const QPointF& pos) const;
+
     // The model behind the widget (points, window, cursor, statistics).
     StripChartModel& model();
     const StripChartModel& model() const;
@@ -117,8 +128,12 @@ signals:
     void ChartMouseDown(int button, int shift, double x, double y);
     // The reference cursor was set, moved or removed (model().referenceX()).
     void ReferenceChange();
+    // A plain left click on a marker's flag: the row of its event or comment (the first of the
+    // markers that share the flag).
+    void MarkerClick(trendax::MarkerSource source, int index);
 
 protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -130,6 +145,8 @@ private:
     void moveCursorByUser(double t);
     // Applies the drag position that waited for the last repaint.
     void flushDrag();
+    // A plain left press on a marker's flag reports the marker; true when it did.
+    bool clickMarkerFlag(QMouseEvent* event);
 
     struct Impl;
     std::unique_ptr<Impl> d;

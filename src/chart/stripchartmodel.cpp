@@ -19,6 +19,8 @@ struct StripChartModel::TimeColumn {
     ValueColumn x;
     // Positions i where x[i] < x[i - 1] (the controller's clock was set back), ascending.
     std::vector<std::size_t> descents;
+    // The recording gaps, found as the times arrive; of use only while no time goes back.
+    gaps::GapIndex gaps;
 
     void append(const XYArray& array) {
         const std::size_t n = array.count();
@@ -38,6 +40,7 @@ struct StripChartModel::TimeColumn {
                     descents.push_back(at);
                 previous = p[i];
             }
+            gaps.append(p, count);
         });
     }
 
@@ -72,6 +75,9 @@ struct StripChartModel::TimeColumn {
         for (std::size_t d : descents)
             if (d < n)
                 copy->descents.push_back(d);
+        copy->x.forEachRun(copy->x.firstLiveIndex(), n, [&](const double* p, std::size_t count) {
+            copy->gaps.append(p, count);
+        });
         return copy;
     }
 };
@@ -89,6 +95,9 @@ struct StripChartModel::Series {
     mutable double viewStart = 0.0;
     mutable double viewEnd = 0.0;
     mutable RangeSummary view;
+    // The gaps of a series whose times go back, found from its sorted times when first asked.
+    mutable bool unorderedGapsValid = false;
+    mutable std::vector<gaps::Gap> unorderedGaps;
 
     std::size_t count() const { return end - begin; }
     double x(std::size_t i) const { return time->x[i]; }
@@ -96,6 +105,7 @@ struct StripChartModel::Series {
     void invalidate() {
         dataValid = false;
         viewValid = false;
+        unorderedGapsValid = false;
     }
 };
 
@@ -763,6 +773,40 @@ void StripChartModel::curvePoints(int k, const TimeMapping& mapping,
         run.add(s.y[i]);
     }
     flush(s.end);
+}
+
+// ---- Recording gaps ----
+
+void StripChartModel::recordingGaps(int k, double from, double to,
+                                    std::vector<gaps::Gap>& out) const {
+    checkVariable(k);
+    out.clear();
+    const Series& s = *series_[k];
+    if (s.count() < 2)
+        return;
+    if (s.ordered()) {
+        // The column may hold times before and after this variable's own.
+        const double first = s.x(s.begin);
+        const double last = s.x(s.end - 1);
+        s.time->gaps.gapsIn(std::max(from, first), std::min(to, last), out);
+        std::erase_if(out, [&](const gaps::Gap& g) { return g.start < first || g.end > last; });
+        return;
+    }
+    if (!s.unorderedGapsValid) {
+        std::vector<double> sorted;
+        sorted.reserve(s.count());
+        s.time->x.forEachRun(s.begin, s.end, [&sorted](const double* p, std::size_t count) {
+            for (std::size_t i = 0; i < count; ++i)
+                if (!std::isnan(p[i]))
+                    sorted.push_back(p[i]);
+        });
+        std::sort(sorted.begin(), sorted.end());
+        s.unorderedGaps = gaps::findGaps(sorted, gaps::gapLimit(gaps::medianSpacing(sorted)));
+        s.unorderedGapsValid = true;
+    }
+    for (const gaps::Gap& g : s.unorderedGaps)
+        if (g.end >= from && g.start <= to)
+            out.push_back(g);
 }
 
 // ---- Accounting ----

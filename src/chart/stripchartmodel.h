@@ -2,6 +2,7 @@
 
 #include "chart/chartmapping.h"
 #include "chart/charttypes.h"
+#include "chart/gaps.h"
 #include "chart/summarypyramid.h"
 #include "chart/xyarray.h"
 
@@ -27,6 +28,10 @@ struct CurvePoint {
 struct ChartAppearance {
     bool gridLines = true;
     int lineWidth = 1; // pixels on screen; scaled with the resolution when printing
+    // History events and comments drawn as markers across the tracks.
+    bool eventMarkers = true;
+    // Recording gaps drawn as lines like any other spacing, instead of breaking the curves.
+    bool bridgeGaps = false;
 
     bool operator==(const ChartAppearance&) const = default;
 };
@@ -178,6 +183,10 @@ public:
     // summaries, placed at the column's middle. One point beyond each edge is included so the
     // lines reach the edges.
     void curvePoints(int k, const TimeMapping& mapping, std::vector<CurvePoint>& out) const;
+    // The recording gaps of variable k that overlap [from, to], ascending, replacing out: where
+    // its points, taken in time order, lie further apart than its gap limit (ten times their
+    // median spacing, at least a minute).
+    void recordingGaps(int k, double from, double to, std::vector<gaps::Gap>& out) const;
 
     // ---- Accounting ----
     // Heap bytes held for points and summaries (a shared time column counted once).

@@ -106,7 +106,60 @@ const QHash<QString, QString>& firstRows() {
     return index;
 }
 
+// Faults and starts/stops by code; every other code is Other.
+constexpr const char* faultCodes[] = {
+    "OLD",    "ULD",    "CUB",    "OVT",    "UVT",    "VUB",    "A1Hi",   "A1Lo",   "PWRF",
+    "HI20",   "HI21",   "HI22",   "HI23",   "HI24",   "HI25",   "HI26",   "HI27",   "HI28",
+    "HI29",   "HI30",   "HI31",   "HI32",   "HI33",   "HI34",   "HI35",   "IUB",    "OV",
+    "UV",     "Ai1 Hi", "Ai2 Lo", "Ai2 Hi", "PwrOff", "Brown",  "BHT Hi", "BHP Hi", "MT  Hi",
+    "CH4 Hi", "CH5 Hi", "DSPIHi", "CH7 Hi", "CH8 Hi", "BHT Lo", "BHP Lo", "MT  Lo", "CH4 Lo",
+    "CH5 Lo", "DSPILo", "CH7 Lo", "CH8 Lo"};
+constexpr const char* startStopCodes[] = {"MSTR",   "ASTR",   "RSTR",   "RSTO",  "MnStop",
+                                          "MnStrt", "AuStrt", "RmStrt", "RmStop"};
+
+const QHash<QString, EventClass>& codeClasses() {
+    static const QHash<QString, EventClass> classes = [] {
+        QHash<QString, EventClass> h;
+        for (const char* code : faultCodes)
+            h.insert(QString::fromLatin1(code), EventClass::Fault);
+        for (const char* code : startStopCodes)
+            h.insert(QString::fromLatin1(code), EventClass::StartStop);
+        return h;
+    }();
+    return classes;
+}
+
+// The class of each text the history list shows, by the code of the first row with that text.
+const QHash<QString, EventClass>& textClasses() {
+    static const QHash<QString, EventClass> classes = [] {
+        QHash<QString, EventClass> h;
+        for (const EventCode& row : table) {
+            const QString text = QString::fromLatin1(row.text);
+            if (!h.contains(text))
+                h.insert(text, eventClass(QString::fromLatin1(row.code).trimmed()));
+        }
+        return h;
+    }();
+    return classes;
+}
+
 } // namespace
+
+EventClass eventClass(QStringView code) {
+    return codeClasses().value(code.toString(), EventClass::Other);
+}
+
+EventClass entryEventClass(QStringView entry) {
+    // The date and time fill the first 17 characters, the separator follows.
+    constexpr qsizetype textAt = 20;
+    if (entry.size() <= textAt || entry.mid(17, 3) != u" - ")
+        return EventClass::Other;
+    const QStringView text = entry.mid(textAt);
+    const QStringView unknown = u"History Event (";
+    if (text.startsWith(unknown) && text.endsWith(u')'))
+        return eventClass(text.mid(unknown.size(), text.size() - unknown.size() - 1));
+    return textClasses().value(text.toString(), EventClass::Other);
+}
 
 std::span<const EventCode> eventCodeTable() {
     return table;

@@ -22,4 +22,19 @@ std::span<const EventCode> eventCodeTable();
 // "History Event (" + code + ")" for a code in no row.
 QString eventText(QStringView code);
 
+// What an event means for the pump, for the chart's markers.
+enum class EventClass {
+    Fault,     // overloads, underloads, imbalances, power failures, high and low alarms
+    StartStop, // manual, automatic and remote starts and stops
+    Other,     // inputs, restored power, communications, markers of the table, unknown codes
+};
+
+// The class of a trimmed code; Other for a code in no row. The gauge code HI20, whose padded row
+// never matches, is still the high alarm it stands for.
+EventClass eventClass(QStringView code);
+
+// The class of a history list entry such as "03/15/12 10:22:33 - Overload", from the event text
+// after " - " (or the code inside "History Event (...)"); Other for an entry without one.
+EventClass entryEventClass(QStringView entry);
+
 } // namespace trendax::history
