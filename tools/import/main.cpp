@@ -45,7 +45,8 @@ int main(int argc, char** argv) {
 
     const import::Folders folders{QDir(source).absolutePath(),
                                   filenames::join(appFolder, QStringLiteral("logfiles")),
-                                  filenames::join(appFolder, QStringLiteral("cnffiles"))};
+                                  filenames::join(appFolder, QStringLiteral("cnffiles")),
+                                  {}};
     if (holdsDataLog(folders.home)) {
         print(stdout,
               QStringLiteral("trendax-import: %1 already holds data logs; nothing imported.")

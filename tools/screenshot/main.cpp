@@ -44,7 +44,8 @@ int main(int argc, char** argv) {
     QTemporaryDir appFolder;
     const import::Folders folders{QDir(args[1]).absolutePath(),
                                   filenames::join(appFolder.path(), QStringLiteral("logfiles")),
-                                  filenames::join(appFolder.path(), QStringLiteral("cnffiles"))};
+                                  filenames::join(appFolder.path(), QStringLiteral("cnffiles")),
+                                  {}};
     QDir().mkpath(folders.home);
     QDir().mkpath(folders.config);
     import::run(folders, false, {});
