@@ -156,6 +156,9 @@ void Form1::LoadWell() {
     DebugOut(QStringLiteral("LoadWell()"));
     bool busyPointer = false;
     const auto restoreWindow = [&] {
+        // A load starts a new zoom history: the window it ends on is the first view, and the
+        // windows of the days on the way are forgotten.
+        Strip1->model().restartViewHistory();
         lstHST->holdLayout(false);
         readBuffer_ = QByteArray(); // only a load needs it
         if (progress_)
