@@ -225,17 +225,14 @@ void StripChartModel::showWindow(TimeWindow window) {
 }
 
 bool StripChartModel::backView() {
-    const auto window = history_.back();
-    if (!window)
-        return false;
-    viewStart_ = window->start;
-    viewEnd_ = window->end;
-    curvesChanged();
-    return true;
+    return restoreView(history_.back());
 }
 
 bool StripChartModel::forwardView() {
-    const auto window = history_.forward();
+    return restoreView(history_.forward());
+}
+
+bool StripChartModel::restoreView(std::optional<TimeWindow> window) {
     if (!window)
         return false;
     viewStart_ = window->start;

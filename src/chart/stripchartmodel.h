@@ -207,6 +207,7 @@ private:
     void curvesChanged();
     void cursorChanged();
     void showWindow(TimeWindow window);
+    bool restoreView(std::optional<TimeWindow> window);
     void resetSeries(Series& s);
     void enforceLimit(Series& s);
     void releaseTimeBlocks(const std::shared_ptr<TimeColumn>& column);
