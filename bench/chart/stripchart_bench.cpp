@@ -357,7 +357,7 @@ template <class Write> void exportFile(benchmark::State& state, const QString& n
     QFile::remove(path);
 }
 
-const chartexport::Caption caption{"Site: RF13", "a month"};
+const chartexport::Caption caption{"Site: RF13", "a month", {}};
 
 void BM_ExportCsvZoomAll(benchmark::State& state) {
     std::vector<csvexport::Column> columns;
@@ -421,6 +421,34 @@ BENCHMARK(BM_ExportPdfZoomAll)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_ExportSvgZoomAll)->Unit(benchmark::kMillisecond)->Iterations(3);
 BENCHMARK(BM_SiteReportOneDay)->Unit(benchmark::kMillisecond)->Iterations(2);
 BENCHMARK(BM_ImbalanceWindowZoomAll)->Unit(benchmark::kMillisecond);
+
+// ---- Reference cursor ----
+
+// The zoom-all repaint with the reference cursor set: curve layer, cursor and dashed line.
+void BM_RepaintMonth_ZoomAll_WithReference(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    chart.model().setReferenceX(firstDay + 7.25);
+    reportRatio(state, repaint(state, chart, firstDay, firstDay + days));
+    chart.model().setReferenceX(std::nullopt);
+}
+
+// Moving the reference cursor keeps the curve layer, as a cursor move does.
+void BM_ReferenceMoveRepaint(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    chart.ShowXRange(firstDay, firstDay + days);
+    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    chart.render(&image);
+    int i = 0;
+    for (auto _ : state) {
+        chart.model().setReferenceX(firstDay + 0.5 + double(i++ % 28));
+        chart.render(&image);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+    chart.model().setReferenceX(std::nullopt);
+}
+
+BENCHMARK(BM_RepaintMonth_ZoomAll_WithReference)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_ReferenceMoveRepaint)->Unit(benchmark::kMillisecond);
 
 } // namespace
 

@@ -100,6 +100,7 @@ Form1::Form1(Environment& env, Dialogs& dialogs, const QString& argumentText, QW
     ProgressBar1->setTextVisible(false);
     StatusBar1->addPermanentWidget(ProgressBar1);
     buildExportMenu();
+    buildReferencePanel();
 
     // Initial colours and tracks, until saved colours are loaded.
     for (int v = 0; v < 13; ++v) {
@@ -473,6 +474,7 @@ void Form1::UpdateStatistics() {
                                      Strip1->DataMax(i)});
     }
     UpdateImbalance();
+    UpdateReferenceDisplay();
 }
 
 void Form1::setCursorText(double x) {

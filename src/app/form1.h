@@ -109,6 +109,9 @@ public:
     QAction* mnuCopyChart = nullptr;
     // The status bar's current imbalance, shown only for loads with three phase currents.
     QLabel* imbalancePanel = nullptr;
+    // The status bar's reference cursor time and the cursor's distance from it, shown while the
+    // reference cursor is set.
+    QLabel* referencePanel = nullptr;
     // The site folder of the last selection, where the open dialog's folder list starts.
     QString lastSiteFolder;
 
@@ -174,6 +177,11 @@ public:
     void UpdateStatistics();
     void UpdateCursorDisplay();
     void Strip1_CursorChange(double x);
+    // The chart's reference cursor was set, moved or removed.
+    void Strip1_ReferenceChange();
+    // Refreshes the reference read-outs (status bar, "Ref Value" and "Delta") from the chart's
+    // cursor and reference cursor, or takes them away when there is no reference cursor.
+    void UpdateReferenceDisplay();
     // A click on the name of row i: the colour chooser for the channel.
     void lblVar_Click(int i);
     // Row i's visibility box changed (by the user or by the program).
@@ -237,6 +245,7 @@ private:
     void buildMenus();
     void buildBands();
     void buildExportMenu();
+    void buildReferencePanel();
     void showAbout();
     void setCursorText(double x);
     double logicalDpi() const;

@@ -46,6 +46,9 @@ void Form1::LoadQXL(const QString& path) {
         LetEventsRun();
     };
 
+    // Long stretches without rows (a huge file, a gigabyte-long line) still let events run.
+    options.keepAlive = [this] { LetEventsRun(true); };
+
     options.opened = [this] {
         // Slots this file is sure to replace are let go before it is read, so that a day's arrays
         // are not held twice: channel 1 always, and every slot below the load's channel count,

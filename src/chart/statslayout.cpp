@@ -10,6 +10,8 @@ namespace {
 
 // Design places in twips.
 constexpr std::array<int, columnCount> columnLeftTwips = {2160, 3240, 4320, 5160, 6120, 7200, 8040};
+// The reference columns continue the pitch of the last ones.
+constexpr std::array<int, referenceColumnCount> referenceLeftTwips = {8880, 9720};
 constexpr int headingTopTwips = 270;
 constexpr int cursorHeadingTopTwips = 30;
 constexpr int leftMarginTwips = 60;
@@ -63,6 +65,13 @@ Geometry compute(const Metrics& m) {
         columnWidth[c] = std::max(m.columnWidth[c], 1);
         left = columnLeft[c] + columnWidth[c] + gap;
     }
+    std::array<int, referenceColumnCount> referenceLeft{};
+    if (m.referenceColumns) {
+        for (int c = 0; c < referenceColumnCount; ++c) {
+            referenceLeft[c] = std::max(left, px(referenceLeftTwips[c]));
+            left = referenceLeft[c] + std::max(m.referenceWidth[c], 1) + gap;
+        }
+    }
     g.width = left;
 
     g.cursorHeading = QRect(cursorLeft, cursorHeadingTop, columnLeft[0] - gap - cursorLeft,
@@ -78,6 +87,14 @@ Geometry compute(const Metrics& m) {
             QRect(nameLeft, top, std::min(nameWidth, columnLeft[0] - gap - nameLeft), rowHeight);
         for (int c = 0; c < columnCount; ++c)
             g.values[r][c] = QRect(columnLeft[c], top, columnWidth[c], rowHeight);
+    }
+    if (m.referenceColumns) {
+        for (int c = 0; c < referenceColumnCount; ++c) {
+            const int width = std::max(m.referenceWidth[c], 1);
+            g.referenceHeadings[c] = QRect(referenceLeft[c], headingTop, width, headingHeight);
+            for (int r = 0; r < rowCount; ++r)
+                g.referenceValues[r][c] = QRect(referenceLeft[c], rowTop[r], width, rowHeight);
+        }
     }
     return g;
 }

@@ -11,6 +11,8 @@ namespace trendax::statslayout {
 
 inline constexpr int rowCount = 13;
 inline constexpr int columnCount = 7;
+// "Ref Value" and "Delta", right of "Max" while the reference cursor is set.
+inline constexpr int referenceColumnCount = 2;
 
 // Measured by the panel, in pixels.
 struct Metrics {
@@ -21,6 +23,10 @@ struct Metrics {
     int nameWidth = 0;                          // the widest channel name
     int cursorTextWidth = 0;                    // the widest cursor time text
     std::array<int, columnCount> columnWidth{}; // widest heading or value of each column
+    // The reference columns are laid out only when asked for; without them the panel is the
+    // design's.
+    bool referenceColumns = false;
+    std::array<int, referenceColumnCount> referenceWidth{};
 };
 
 struct Geometry {
@@ -31,6 +37,9 @@ struct Geometry {
     std::array<QRect, rowCount> samples; // the colour sample lines
     std::array<QRect, rowCount> names;
     std::array<std::array<QRect, columnCount>, rowCount> values;
+    // Empty rectangles unless Metrics::referenceColumns.
+    std::array<QRect, referenceColumnCount> referenceHeadings;
+    std::array<std::array<QRect, referenceColumnCount>, rowCount> referenceValues;
     int width = 0; // what the panel needs to show every column whole
 
     // The panel height that shows the first `rows` rows whole and nothing of the next.

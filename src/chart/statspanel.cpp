@@ -15,6 +15,8 @@ namespace {
 
 constexpr const char* headingTexts[statslayout::columnCount] = {
     "Cursor Value", "Min Disp", "Avg Disp", "Max Disp", "Min", "Average", "Max"};
+constexpr const char* referenceHeadingTexts[statslayout::referenceColumnCount] = {"Ref Value",
+                                                                                  "Delta"};
 
 // Room every value column keeps at least: a pressure or a current with sign and two decimals.
 const QString widestValue = QStringLiteral("-00000.00");
@@ -32,6 +34,10 @@ int textWidth(const QFontMetrics& fm, const QString& text) {
 std::array<QLabel*, statslayout::columnCount> readoutsOf(const StatsRow& row) {
     return {row.lblCursorValue, row.lblMinDisp, row.lblAvgDisp, row.lblMaxDisp,
             row.lblMin,         row.lblAvg,     row.lblMax};
+}
+
+std::array<QLabel*, statslayout::referenceColumnCount> referenceReadoutsOf(const StatsRow& row) {
+    return {row.lblRefValue, row.lblDelta};
 }
 
 } // namespace
@@ -90,6 +96,27 @@ void StatsPanel::relayout() {
             width = std::max(width, textWidth(fm, readoutsOf(row)[size_t(c)]->text()));
         m.columnWidth[size_t(c)] = width;
     }
+    metrics_ = m;
+    placeReference();
+}
+
+void StatsPanel::placeReference() {
+    statslayout::Metrics m = metrics_;
+    m.referenceColumns = referenceShown_;
+    if (referenceShown_) {
+        const QFontMetrics fm(font());
+        for (int c = 0; c < statslayout::referenceColumnCount; ++c) {
+            int width = std::max(textWidth(fm, widestValue),
+                                 textWidth(fm, referenceHeadings_[size_t(c)]->text()));
+            for (const StatsRow& row : rows)
+                width = std::max(width, textWidth(fm, referenceReadoutsOf(row)[size_t(c)]->text()));
+            m.referenceWidth[size_t(c)] = width;
+        }
+    }
+    place(m);
+}
+
+void StatsPanel::place(const statslayout::Metrics& m) {
     geometry_ = statslayout::compute(m);
 
     cursorHeading_->setGeometry(geometry_.cursorHeading);
@@ -104,6 +131,14 @@ void StatsPanel::relayout() {
         const auto readouts = readoutsOf(row);
         for (int c = 0; c < statslayout::columnCount; ++c)
             readouts[size_t(c)]->setGeometry(geometry_.values[size_t(i)][size_t(c)]);
+    }
+    if (referenceShown_) {
+        for (int c = 0; c < statslayout::referenceColumnCount; ++c) {
+            referenceHeadings_[size_t(c)]->setGeometry(geometry_.referenceHeadings[size_t(c)]);
+            for (int i = 0; i < rowCount; ++i)
+                referenceReadoutsOf(rows[size_t(i)])[size_t(c)]->setGeometry(
+                    geometry_.referenceValues[size_t(i)][size_t(c)]);
+        }
     }
     setMinimumWidth(geometry_.width);
     resize(std::max(width(), geometry_.width), shownHeight());
@@ -164,6 +199,48 @@ void StatsPanel::showStatistics(int row, const RowStatistics& values) {
             break;
         }
     }
+}
+
+void StatsPanel::createReferenceLabels() {
+    if (referenceHeadings_[0])
+        return;
+    // Hidden explicitly: a panel shown later must not bring them up by itself.
+    const auto hiddenLabel = [this](const QString& text) {
+        auto* label = new QLabel(text, this);
+        label->hide();
+        return label;
+    };
+    for (int c = 0; c < statslayout::referenceColumnCount; ++c)
+        referenceHeadings_[size_t(c)] = hiddenLabel(QString::fromLatin1(referenceHeadingTexts[c]));
+    for (StatsRow& row : rows) {
+        row.lblRefValue = hiddenLabel(QStringLiteral("0"));
+        row.lblDelta = hiddenLabel(QStringLiteral("0"));
+    }
+}
+
+void StatsPanel::setReferenceShown(bool shown) {
+    if (shown == referenceShown_)
+        return;
+    if (shown)
+        createReferenceLabels();
+    referenceShown_ = shown;
+    for (QLabel* heading : referenceHeadings_)
+        if (heading)
+            heading->setVisible(shown);
+    for (const StatsRow& row : rows)
+        for (QLabel* label : referenceReadoutsOf(row))
+            if (label)
+                label->setVisible(shown);
+    placeReference(); // the seven columns keep their widths
+}
+
+void StatsPanel::showReference(int row, double referenceValue, double cursorValue) {
+    createReferenceLabels();
+    StatsRow& r = rows[size_t(row)];
+    r.lblRefValue->setText(readouts::formatValue(referenceValue));
+    r.lblDelta->setText(readouts::formatDelta(cursorValue, referenceValue));
+    if (referenceShown_ && (overflows(r.lblRefValue) || overflows(r.lblDelta)))
+        placeReference();
 }
 
 bool StatsPanel::eventFilter(QObject* watched, QEvent* event) {

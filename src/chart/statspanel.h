@@ -22,6 +22,10 @@ struct StatsRow {
     QLabel* lblMin = nullptr;
     QLabel* lblAvg = nullptr;
     QLabel* lblMax = nullptr;
+    // While the reference cursor is set: the value there and the cursor value minus it. Created
+    // when first shown.
+    QLabel* lblRefValue = nullptr;
+    QLabel* lblDelta = nullptr;
 };
 
 // What the chart answers for one variable, shown in a row of the panel.
@@ -59,6 +63,12 @@ public:
     void setCursorText(const QString& text);
     // The seven read-outs of a row in the "0.00" pattern.
     void showStatistics(int row, const RowStatistics& values);
+    // Adds the columns "Ref Value" and "Delta" right of "Max", or takes them away again: without
+    // them the panel is laid out exactly as before.
+    void setReferenceShown(bool shown);
+    bool referenceShown() const { return referenceShown_; }
+    // The two reference read-outs of a row in the "0.00" pattern (shown or not).
+    void showReference(int row, double referenceValue, double cursorValue);
 
 signals:
     // A click on the name of a row (lblVar).
@@ -72,13 +82,21 @@ protected:
 private:
     // Measures the texts and places every control again.
     void relayout();
+    // Measures only the reference columns and places every control with the other measures of
+    // the last relayout, so that showing and removing them leaves the rest as it was.
+    void placeReference();
+    void place(const statslayout::Metrics& m);
     // Whether a read-out's text no longer fits its column.
     bool overflows(const QLabel* label) const;
+    void createReferenceLabels();
 
     double dpi_;
     double heightTwips_ = 1630;
     QLabel* cursorHeading_ = nullptr;
     std::array<QLabel*, statslayout::columnCount> headings_{};
+    std::array<QLabel*, statslayout::referenceColumnCount> referenceHeadings_{};
+    bool referenceShown_ = false;
+    statslayout::Metrics metrics_;
     statslayout::Geometry geometry_;
 };
 

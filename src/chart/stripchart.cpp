@@ -7,6 +7,7 @@
 #include "chart/pixelpath.h"
 #include "chart/stripchartmodel.h"
 #include "chart/timeticks.h"
+#include "chart/valueticks.h"
 #include "chart/viewmoves.h"
 #include "storage/qtcolor.h"
 
@@ -36,7 +37,6 @@ constexpr double axisFontPixels = 11.0;
 constexpr double captionFontPixels = 15.0;
 constexpr double bandGap = 4.0;
 constexpr double markerSize = 7.0;
-constexpr int yTickCount = 5;
 
 // Where everything goes for one area and resolution; recomputed per paint (cheap) so that the
 // click mapping and the picture always agree.
@@ -45,22 +45,13 @@ struct Geometry {
     double scale = 1.0;
     QRectF plot;
     std::vector<QRectF> bands;
+    std::vector<std::vector<ValueTick>> valueTicks; // per band
     TimeMapping time;
     int maxTimeTicks = 1; // labelled tics the time axis has room for
     QFont axisFont;
     QFont captionFont;
     double captionHeight = 0.0;
 };
-
-QString yLabel(double v, double range) {
-    if (std::abs(v) < 1e-9 * std::abs(range))
-        v = 0.0;
-    return QString::number(v, 'g', 6);
-}
-
-double yTickValue(const TrackSettings& t, int i) {
-    return t.yMin + (t.yMax - t.yMin) * double(i) / double(yTickCount - 1);
-}
 
 } // namespace
 
@@ -73,6 +64,7 @@ struct StripChart::Impl {
     std::uint64_t layerRevision = 0;
     bool layerValid = false;
     int lastCursorPx = -1;
+    std::optional<int> lastReferencePx;
     // A left press in the plot drags the cursor until the release. Positions that arrive
     // before the previous one was painted wait; only the last of them is applied.
     bool dragging = false;
@@ -99,6 +91,11 @@ struct StripChart::Impl {
     void paintAxes(QPainter& p, const Geometry& g) const;
     void paintCursor(QPainter& p, const Geometry& g) const;
     void paintRangeSelection(QPainter& p, const Geometry& g) const;
+    void paintReference(QPainter& p, const Geometry& g) const;
+    // The Y tics of every shown track in bands between top and bottom; the widest label.
+    double placeValueTicks(Geometry& g, double top, double bottom) const;
+    // Repaints where the reference cursor was and where it is now.
+    void updateReferenceStrips(QWidget& widget);
     void paintLegend(QPainter& p, const Geometry& g) const;
 };
 
@@ -118,17 +115,11 @@ Geometry StripChart::Impl::geometry(const QRectF& area, double scale, const QFon
         g.captionHeight = QFontMetricsF(g.captionFont).height();
         top += g.captionHeight + 4.0 * scale;
     }
+    const double bottom = area.bottom() - 2.0 * fm.height() - 8.0 * scale;
     // The Y axis is as wide as its widest label.
-    double labelWidth = fm.horizontalAdvance(QStringLiteral("0000"));
-    for (int t = 0; t < model.trackCount(); ++t) {
-        const TrackSettings track = model.track(t);
-        for (int i = 0; i < yTickCount; ++i)
-            labelWidth = std::max(labelWidth, fm.horizontalAdvance(yLabel(
-                                                  yTickValue(track, i), track.yMax - track.yMin)));
-    }
+    const double labelWidth = placeValueTicks(g, top, bottom);
     const double left = area.left() + labelWidth + 10.0 * scale;
     const double right = area.right() - fm.horizontalAdvance(QStringLiteral("00/00/0000")) / 2.0;
-    const double bottom = area.bottom() - 2.0 * fm.height() - 8.0 * scale;
     g.plot = QRectF(QPointF(left, top),
                     QPointF(std::max(left + 1.0, right), std::max(top + 1.0, bottom)));
 
@@ -139,9 +130,28 @@ Geometry StripChart::Impl::geometry(const QRectF& area, double scale, const QFon
         g.bands.emplace_back(g.plot.left(), g.plot.top() + t * (bandHeight + gap), g.plot.width(),
                              bandHeight);
     g.time = TimeMapping{model.xViewStart(), model.xViewEnd(), g.plot.left(), g.plot.width()};
-    const double tickWidth = fm.horizontalAdvance(QStringLiteral("00/00/0000")) + 16.0 * scale;
+    // A slot as wide as the widest label line, a date or a time with tenths.
+    const double tickWidth = std::max(fm.horizontalAdvance(QStringLiteral("00/00/0000")),
+                                      fm.horizontalAdvance(QStringLiteral("00:00:00.0"))) +
+                             16.0 * scale;
     g.maxTimeTicks = std::max(1, pixelIndex(std::floor(g.plot.width() / tickWidth)));
     return g;
+}
+
+double StripChart::Impl::placeValueTicks(Geometry& g, double top, double bottom) const {
+    const QFontMetricsF fm(g.axisFont);
+    const int n = model.trackCount();
+    const double bandHeight =
+        std::max(1.0, (std::max(top + 1.0, bottom) - top - bandGap * g.scale * (n - 1)) / n);
+    double labelWidth = fm.horizontalAdvance(QStringLiteral("0000"));
+    g.valueTicks.clear();
+    for (int t = 0; t < n; ++t) {
+        const TrackSettings track = model.track(t);
+        g.valueTicks.push_back(valueTicks(track.yMin, track.yMax, bandHeight, fm.height()));
+        for (const ValueTick& tick : g.valueTicks.back())
+            labelWidth = std::max(labelWidth, fm.horizontalAdvance(tick.label));
+    }
+    return labelWidth;
 }
 
 // ---- Painting ----
@@ -158,13 +168,16 @@ void StripChart::Impl::paintBase(QPainter& p, const Geometry& g) {
         QPen grid(QColor(0, 0, 0, 60), 0.0, Qt::DotLine);
         p.setPen(grid);
         const auto ticks = timeTicks(model.xViewStart(), model.xViewEnd(), g.maxTimeTicks);
-        for (const QRectF& band : g.bands) {
+        for (std::size_t t = 0; t < g.bands.size(); ++t) {
+            const QRectF& band = g.bands[t];
             for (const TimeTick& tick : ticks) {
                 const double x = safePixel(g.time.toX(tick.time));
                 p.drawLine(QPointF(x, band.top()), QPointF(x, band.bottom()));
             }
-            for (int i = 1; i < yTickCount - 1; ++i) {
-                const double y = band.bottom() - band.height() * i / (yTickCount - 1);
+            for (const ValueTick& tick : g.valueTicks[t]) {
+                if (tick.end)
+                    continue;
+                const double y = band.bottom() - band.height() * tick.position;
                 p.drawLine(QPointF(band.left(), y), QPointF(band.right(), y));
             }
         }
@@ -280,14 +293,16 @@ void StripChart::Impl::paintAxes(QPainter& p, const Geometry& g) const {
     // Y axis of every band, labelled from TrackYMin at the bottom to TrackYMax at the top.
     for (std::size_t t = 0; t < g.bands.size(); ++t) {
         const QRectF& band = g.bands[t];
-        const TrackSettings track = model.track(int(t));
-        for (int i = 0; i < yTickCount; ++i) {
-            const double y = band.bottom() - band.height() * i / (yTickCount - 1);
+        for (const ValueTick& tick : g.valueTicks[t]) {
+            const double y = band.bottom() - band.height() * tick.position;
             p.drawLine(QPointF(band.left() - tickLength, y), QPointF(band.left(), y));
-            const QString label = yLabel(yTickValue(track, i), track.yMax - track.yMin);
+            if (tick.label.isEmpty())
+                continue;
+            const QString& label = tick.label;
             // Keep the end labels inside the band so neighbouring bands do not collide.
             const double h = fm.height();
-            const double top = std::clamp(y - h / 2.0, band.top(), band.bottom() - h);
+            // (Not std::clamp: a band lower than a label has its bounds the wrong way round.)
+            const double top = std::max(band.top(), std::min(y - h / 2.0, band.bottom() - h));
             p.drawText(QRectF(g.area.left(), top,
                               band.left() - tickLength - g.area.left() - 2.0 * g.scale, h),
                        Qt::AlignRight | Qt::AlignVCenter, label);
@@ -345,6 +360,33 @@ void StripChart::Impl::paintCursor(QPainter& p, const Geometry& g) const {
     p.restore();
 }
 
+// The reference cursor: a dashed line across all bands, over the curve layer like the cursor.
+void StripChart::Impl::paintReference(QPainter& p, const Geometry& g) const {
+    if (!model.referenceX())
+        return;
+    const double x = safePixel(g.time.toX(*model.referenceX()));
+    if (x < g.plot.left() || x > g.plot.right())
+        return;
+    p.save();
+    p.setRenderHint(QPainter::Antialiasing, false);
+    p.setPen(QPen(QColor(0, 0, 160), g.scale < 1.5 ? 0.0 : g.scale, Qt::DashLine));
+    p.drawLine(QPointF(x, g.plot.top()), QPointF(x, g.plot.bottom()));
+    p.restore();
+}
+
+void StripChart::Impl::updateReferenceStrips(QWidget& widget) {
+    const Geometry g = geometry(QRectF(widget.rect()), 1.0, widget.font());
+    const int top = pixelIndex(g.plot.top()) - 1;
+    const int height = pixelIndex(g.plot.height()) + 3;
+    if (lastReferencePx)
+        widget.update(QRect(*lastReferencePx - 2, top, 5, height));
+    lastReferencePx.reset();
+    if (model.referenceX()) {
+        lastReferencePx = pixelIndex(g.time.toX(*model.referenceX()));
+        widget.update(QRect(*lastReferencePx - 2, top, 5, height));
+    }
+}
+
 // ---- Widget ----
 
 StripChart::StripChart(QWidget* parent) : QWidget(parent), d(std::make_unique<Impl>()) {
@@ -352,6 +394,11 @@ StripChart::StripChart(QWidget* parent) : QWidget(parent), d(std::make_unique<Im
     setMinimumSize(200, 120);
     setFocusPolicy(Qt::StrongFocus); // the navigation keys
     d->model.setChangeListener([this](StripChartModel::Change change) {
+        if (change == StripChartModel::Change::Reference) {
+            d->updateReferenceStrips(*this);
+            emit ReferenceChange();
+            return;
+        }
         if (change != StripChartModel::Change::Cursor) {
             update();
             return;
@@ -405,6 +452,9 @@ void StripChart::paintEvent(QPaintEvent* event) {
     d->paintCursor(p, g);
     d->paintRangeSelection(p, g);
     d->lastCursorPx = pixelIndex(g.time.toX(d->model.cursorX()));
+    d->paintReference(p, g);
+    if (const auto& b = d->model.referenceX())
+        d->lastReferencePx = pixelIndex(g.time.toX(*b));
     d->awaitingPaint = false;
     if (d->pendingDrag && !d->flushQueued) {
         // Reported after the paint, never from inside it: the handlers change other widgets.
@@ -870,6 +920,7 @@ void StripChart::PrintChart(QPainter& painter, double dpi, double left, double t
     d->paintBase(painter, g);
     d->paintLegend(painter, g);
     d->paintCursor(painter, g);
+    d->paintReference(painter, g);
     painter.restore();
 }
 

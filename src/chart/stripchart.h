@@ -117,6 +117,8 @@ signals:
     void ChartMouseDown(int button, int shift, double x, double y);
     // Home was pressed on the focused chart: the owner shows all loaded data (it knows its range).
     void ZoomAllRequest();
+    // The reference cursor was set, moved or removed (model().referenceX()).
+    void ReferenceChange();
 
 protected:
     void paintEvent(QPaintEvent* event) override;

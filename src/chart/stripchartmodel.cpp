@@ -659,11 +659,14 @@ double StripChartModel::viewAvg(int k) const {
 }
 
 double StripChartModel::cursorValue(int k) const {
+    return valueAt(k, cursorX_);
+}
+
+double StripChartModel::valueAt(int k, double c) const {
     checkVariable(k);
     const Series& s = *series_[k];
     if (s.count() == 0)
         return 0.0;
-    const double c = cursorX_;
     if (s.ordered()) {
         const std::size_t after = lowerIndex(s, s.begin, s.end, c);
         std::size_t chosen;

@@ -175,6 +175,8 @@ public:
     // CursorValue is the value of the point nearest in time to the cursor; at equal distance the
     // later time wins, and of several points with that same time the one added last.
     double cursorValue(int k) const;
+    // The value of the point nearest in time to t by the same rule (the reference cursor's).
+    double valueAt(int k, double t) const;
     double dataMin(int k) const;
     double dataMax(int k) const;
     double dataAvg(int k) const;

@@ -12,16 +12,21 @@ constexpr double second = 1.0 / 86400.0;
 constexpr double minute = 60.0 * second;
 constexpr double hour = 60.0 * minute;
 
-constexpr double steps[] = {1 * second,  2 * second,  5 * second, 10 * second, 15 * second,
-                            30 * second, 1 * minute,  2 * minute, 5 * minute,  10 * minute,
-                            15 * minute, 30 * minute, 1 * hour,   2 * hour,    3 * hour,
-                            6 * hour,    12 * hour,   1.0,        2.0,         7.0,
-                            14.0,        28.0,        91.0,       182.0,       364.0};
+// Tenths of a second keep the narrowest zoom (2.25 s) from showing only two or three tics.
+constexpr double steps[] = {
+    0.1 * second, 0.2 * second, 0.5 * second, 1 * second, 2 * second, 5 * second,  10 * second,
+    15 * second,  30 * second,  1 * minute,   2 * minute, 5 * minute, 10 * minute, 15 * minute,
+    30 * minute,  1 * hour,     2 * hour,     3 * hour,   6 * hour,   12 * hour,   1.0,
+    2.0,          7.0,          14.0,         28.0,       91.0,       182.0,       364.0};
 
-QString clockText(const datetime::Civil& c, bool withSeconds) {
+enum class Clock { minutes, seconds, tenths };
+
+QString clockText(const datetime::Civil& c, Clock resolution) {
     QString text = QString::number(c.hour) + ':' + QString::number(c.minute).rightJustified(2, '0');
-    if (withSeconds)
+    if (resolution != Clock::minutes)
         text += ':' + QString::number(c.second).rightJustified(2, '0');
+    if (resolution == Clock::tenths)
+        text += '.' + QString::number(c.millisecond / 100);
     return text;
 }
 
@@ -71,7 +76,10 @@ std::vector<TimeTick> timeTicks(double start, double end, int maxTicks) {
         if (step >= 1.0 - tolerance) {
             label = datetime::formatShortDate(day);
         } else {
-            label = clockText(c, step < minute - tolerance);
+            const Clock resolution = step < second - tolerance   ? Clock::tenths
+                                     : step < minute - tolerance ? Clock::seconds
+                                                                 : Clock::minutes;
+            label = clockText(c, resolution);
             if (day != previousDay)
                 label += '\n' + datetime::formatShortDate(day);
         }

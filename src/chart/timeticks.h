@@ -13,12 +13,13 @@ struct TimeTick {
     QString label;
 };
 
-// Step between tics, in days, chosen from round clock steps (1 s ... 30 min, 1 h ... 12 h,
+// Step between tics, in days, chosen from round clock steps (0.1 s ... 30 min, 1 h ... 12 h,
 // 1 day ... 4 weeks, then whole years) as the smallest that gives at most maxTicks tics.
 double timeTickStep(double start, double end, int maxTicks);
 
 // Tics at whole multiples of the step inside [start, end], labelled by the step's resolution:
-// seconds for steps below a minute, minutes below a day, dates from a day on.
+// tenths for steps below a second, seconds below a minute, minutes below a day, dates from a day
+// on.
 std::vector<TimeTick> timeTicks(double start, double end, int maxTicks);
 
 } // namespace trendax

@@ -48,17 +48,25 @@ QString historyYear(const QString& path) {
 }
 
 QStringList historyEntries(QByteArrayView bytes, QStringView year) {
-    const QStringList lines = textfile::nonBlankLines(bytes);
     QStringList entries;
-    if (lines.size() < 2)
-        return entries;
-    entries.reserve(lines.size());
     QString previous;
-    for (const QString& line : lines) {
-        if (auto entry = HistoryEventText(line, year))
-            previous = std::move(*entry);
+    qsizetype lines = 0;
+    textfile::forEachNonBlankLine(bytes, [&](QByteArrayView line) {
+        ++lines;
+        // A Windows-1252 byte is one character, so the "/" found among the bytes stands at the
+        // same place in the text. Nothing after the time that follows it enters the entry: only
+        // that much of the line is decoded.
+        const qsizetype slash = line.indexOf('/');
+        if (slash >= 0) {
+            const QString head = textfile::decode(line.first(std::min(line.size(), slash + 12)));
+            if (auto entry = HistoryEventText(head, year))
+                previous = std::move(*entry);
+        }
         entries.append(previous);
-    }
+    });
+    // A file of a single line holds no events.
+    if (lines < 2)
+        entries.clear();
     return entries;
 }
 

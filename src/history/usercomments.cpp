@@ -34,15 +34,17 @@ void sortCommentRows(QStringList& rows) {
 }
 
 QStringList commentRows(QByteArrayView bytes) {
-    const QStringList lines = textfile::nonBlankLines(bytes);
     QStringList rows;
-    rows.reserve(lines.size());
     QString previous;
-    for (const QString& line : lines) {
-        if (auto row = SplitCommentLine(line))
-            previous = std::move(*row);
+    textfile::forEachNonBlankLine(bytes, [&](QByteArrayView line) {
+        if (line.size() >= 20) {
+            // The row is the line with a TAB for the blank after its time, built in place so
+            // that a long comment is copied once.
+            previous = textfile::decode(line);
+            previous[19] = QLatin1Char('\t');
+        }
         rows.append(previous);
-    }
+    });
     sortCommentRows(rows);
     return rows;
 }

@@ -37,15 +37,28 @@ bool isDigit(char c) {
 
 // ---- Lines ----
 
-// Walks the lines of the buffer; a line is returned without its LF and one CR before it.
+// Walks the lines of the buffer; a line is returned without its LF and one CR before it. The
+// end of a long line is searched a piece at a time, and each piece passed over is reported to
+// `passed` (when set), so that a line of a gigabyte does not hold everything up at once.
 struct LineCursor {
     const char* p;
     const char* end;
+    std::function<void(qsizetype)> passed;
 
     bool next(const char*& b, const char*& e) {
         if (p >= end)
             return false;
-        const auto* nl = static_cast<const char*>(std::memchr(p, '\n', size_t(end - p)));
+        const char* from = p;
+        const char* nl = nullptr;
+        for (;;) {
+            const auto n = size_t(std::min<qsizetype>(end - from, keepAliveBytes));
+            nl = static_cast<const char*>(std::memchr(from, '\n', n));
+            from += n;
+            if (nl || from >= end)
+                break;
+            if (passed)
+                passed(qsizetype(n));
+        }
         b = p;
         e = nl ? nl : end;
         p = nl ? nl + 1 : end;
@@ -285,6 +298,15 @@ private:
         if (options_.debugOut)
             options_.debugOut(message);
     }
+    // Counts bytes scanned or filled; calls keepAlive each time they pass keepAliveBytes.
+    void worked(qsizetype bytes) {
+        work_ += bytes;
+        if (work_ >= keepAliveBytes) {
+            work_ = 0;
+            if (options_.keepAlive)
+                options_.keepAlive();
+        }
+    }
     void measure();
     QString dump();
     void allocate();
@@ -310,14 +332,21 @@ private:
     double dateValue_ = 0;
     std::array<std::string, rowFields> scratch_;
     std::vector<Field> fields_;
+    qsizetype work_ = 0; // bytes since the last keepAlive call
 };
 
 void Parser::measure() {
-    hasQuotes_ = std::memchr(begin_, '"', size_t(end_ - begin_)) != nullptr;
-    LineCursor lines{begin_, end_};
+    for (const char* p = begin_; p < end_ && !hasQuotes_;) {
+        const qsizetype n = std::min<qsizetype>(end_ - p, keepAliveBytes);
+        hasQuotes_ = std::memchr(p, '"', size_t(n)) != nullptr;
+        p += n;
+        worked(n);
+    }
+    LineCursor lines{begin_, end_, [this](qsizetype n) { worked(n); }};
     const char *b, *e;
     qsizetype rows = 0, widest = 0;
     while (lines.next(b, e)) {
+        worked(e - b + 1);
         if (isBlankLine(b, e))
             continue;
         ++rows;
@@ -332,7 +361,7 @@ void Parser::measure() {
 
 QString Parser::dump() {
     QByteArray text;
-    LineCursor lines{begin_, end_};
+    LineCursor lines{begin_, end_, {}};
     const char *b, *e;
     while (lines.next(b, e)) {
         if (isBlankLine(b, e))
@@ -361,9 +390,12 @@ void Parser::allocate() {
     // All channels of a row share its time stamp: the arrays share one X row.
     auto times = std::make_shared<std::vector<double>>(size_t(result_.rowCount), 0.0);
     times_ = times->data();
+    const qsizetype arrayBytes = result_.rowCount * qsizetype(sizeof(double));
+    worked(arrayBytes);
     for (int k = 0; k < arrays_; ++k) {
         result_.channels[size_t(k)] = std::make_shared<XYArray>(times, size_t(result_.rowCount));
         data_[k] = result_.channels[size_t(k)]->data();
+        worked(arrayBytes);
     }
 }
 
@@ -544,10 +576,11 @@ void Parser::visitRows() {
     bool anyGood = false;
     double values[channelSlots];
 
-    LineCursor lines{begin_, end_};
+    LineCursor lines{begin_, end_, [this](qsizetype n) { worked(n); }};
     const char *b, *e;
     qsizetype i = -1;
     while (lines.next(b, e)) {
+        worked(e - b + 1);
         if (isBlankLine(b, e))
             continue;
         ++i;
@@ -582,7 +615,7 @@ void Parser::visitRows() {
 
 // Reads the whole file into the front of buffer, which only ever grows; the byte count, or -1
 // when reading failed. A file that grows while it is read is read to its new end.
-qsizetype readWhole(QFile& file, QByteArray& buffer) {
+qsizetype readWhole(QFile& file, QByteArray& buffer, const std::function<void()>& keepAlive) {
     const qint64 expected = std::max<qint64>(file.size(), 0);
     // One byte more than the file, so that the end shows without another pass.
     if (buffer.size() <= expected)
@@ -591,12 +624,15 @@ qsizetype readWhole(QFile& file, QByteArray& buffer) {
     for (;;) {
         if (size == buffer.size())
             buffer.resize(buffer.size() + buffer.size() / 2 + 4096);
-        const qint64 n = file.read(buffer.data() + size, buffer.size() - size);
+        const qint64 n =
+            file.read(buffer.data() + size, std::min(buffer.size() - size, keepAliveBytes));
         if (n < 0)
             return -1;
         if (n == 0)
             return size;
         size += qsizetype(n);
+        if (keepAlive && size >= keepAliveBytes)
+            keepAlive();
     }
 }
 
@@ -621,7 +657,7 @@ DataLogResult readDataLog(const QString& path, const QString& appFolder, LoadSta
     // bring the viewer down.
     QByteArray own;
     QByteArray& buffer = options.readBuffer ? *options.readBuffer : own;
-    qsizetype size = readWhole(file, buffer);
+    qsizetype size = readWhole(file, buffer, options.keepAlive);
     if (size < 0) {
         if (options.debugOut)
             options.debugOut(QStringLiteral("Rs1.Open() Err = ") + file.errorString());

@@ -43,6 +43,9 @@ struct LoadState {
     }
 };
 
+// Bytes read or scanned between two keepAlive calls at most.
+inline constexpr qsizetype keepAliveBytes = 16 * 1024 * 1024;
+
 struct DataLogOptions {
     // Receives every diagnostic line in order; none are built when it is empty.
     std::function<void(const QString&)> debugOut;
@@ -52,6 +55,10 @@ struct DataLogOptions {
     std::function<void(qsizetype row, qsizetype rowCount)> progress;
     // Called by readDataLog once the file is open, before anything of it is read.
     std::function<void()> opened;
+    // Called between pieces of work that bring no row: reading the file, measuring its lines,
+    // and rows that are megabytes long, at least every keepAliveBytes. A window lets its events
+    // run there, so that a file of one gigabyte-long line does not freeze it.
+    std::function<void()> keepAlive;
     // Off: every row takes the general path (the fast path must give the same results).
     bool fastPath = true;
     // Holds the file's bytes while readDataLog parses them. A load keeps one from file to file,

@@ -82,22 +82,20 @@ int replaceWithLineAdded(const QByteArray& name, const struct stat& before, QByt
     return 0;
 }
 
-bool isBlankLine(QStringView line) {
-    for (const QChar c : line) {
-        if (c != QLatin1Char(' ') && c != QLatin1Char('\t'))
-            return false;
-    }
-    return true;
-}
-
 } // namespace
 
 QString decode(QByteArrayView bytes) {
-    QString out(bytes.size(), Qt::Uninitialized);
-    QChar* dst = out.data();
+    // Windows-1252 is Latin-1 but for 0x80-0x9F: Qt's vectorised Latin-1 conversion does the
+    // bulk, and the few characters of that range are put right afterwards.
+    QString out = QString::fromLatin1(bytes.data(), bytes.size());
+    QChar* dst = nullptr;
     for (qsizetype i = 0; i < bytes.size(); ++i) {
         const auto b = static_cast<unsigned char>(bytes[i]);
-        dst[i] = (b >= 0x80 && b <= 0x9F) ? QChar(high[b - 0x80]) : QChar(b);
+        if (b - 0x80u < 0x20u) {
+            if (!dst)
+                dst = out.data();
+            dst[i] = QChar(high[b - 0x80]);
+        }
     }
     return out;
 }
@@ -121,24 +119,8 @@ QStringList splitLines(const QString& text) {
 }
 
 QStringList nonBlankLines(QByteArrayView bytes) {
-    if (bytes.startsWith("\xEF\xBB\xBF"))
-        bytes = bytes.sliced(3);
-    const QString text = decode(bytes);
     QStringList lines;
-    qsizetype start = 0;
-    const qsizetype n = text.size();
-    const QChar* data = text.constData();
-    for (qsizetype i = 0; i <= n; ++i) {
-        const bool end = i == n;
-        if (!end && data[i] != QLatin1Char('\r') && data[i] != QLatin1Char('\n'))
-            continue;
-        const QStringView line(data + start, i - start);
-        if (!isBlankLine(line))
-            lines.append(line.toString());
-        if (!end && data[i] == QLatin1Char('\r') && i + 1 < n && data[i + 1] == QLatin1Char('\n'))
-            ++i;
-        start = i + 1;
-    }
+    forEachNonBlankLine(bytes, [&](QByteArrayView line) { lines.append(decode(line)); });
     return lines;
 }
 

@@ -79,7 +79,7 @@ TEST(TimeTicks, SmallestRoundStepThatFits) {
         int maxTicks;
         double step;
     } rows[] = {
-        {"narrowest zoom", 2.25 * second, 10, 1 * second},
+        {"narrowest zoom", 2.25 * second, 10, 0.5 * second},
         {"1hour", 1.0 / 24.0, 10, 10 * 60 * second},
         {"1day", 1.0, 10, 3.0 / 24.0},
         {"30days", 30.0, 10, 7.0},
@@ -105,6 +105,7 @@ TEST(TimeTicks, LabelsFollowTheStepAndDateTheFirstTicAndEachNewDay) {
         {"an hour's second tic", mar7 + 13.0 / 24, mar7 + 14.0 / 24, 4, 5, 1, "13:15"},
         {"a new day", dec31 + 20.0 / 24, dec31 + 1 + 4.0 / 24, 5, 5, 2, "0:00\n1/1/2025"},
         {"seconds", mar7 + 0.5, mar7 + 0.5 + 20 * second, 5, 5, 1, "12:00:05"},
+        {"tenths", mar7 + 0.5, mar7 + 0.5 + 2.25 * second, 5, 5, 1, "12:00:00.5"},
         {"days", mar7, mar7 + 6.0, 10, 7, 1, "3/8/2024"},
     };
     for (const auto& row : rows) {

@@ -163,6 +163,21 @@ TEST(DataLogDiagnostics, ProgressEveryThousandRows) {
     EXPECT_THAT(calls, ElementsAre(Call{0, 2500}, Call{1000, 2500}, Call{2000, 2500}));
 }
 
+// A line of 40 MB: reading it, measuring it and passing over it each let events run now and
+// then, and the rows come out as ever.
+TEST(DataLogDiagnostics, LongStretchesWithoutRowsStillLetEventsRun) {
+    const QByteArray bytes = "AB12,03/15/12,12:00:00.00,1" + QByteArray(",2").repeated(20'000'000) +
+                             "\r\nAB12,03/15/12,12:00:01.00,3\r\n";
+    int calls = 0;
+    DataLogOptions options;
+    options.keepAlive = [&] { ++calls; };
+    LoadState state;
+    const DataLogResult r = parseDataLog(bytes, state, options);
+    EXPECT_GE(calls, 3 * int(bytes.size() / keepAliveBytes));
+    ASSERT_TRUE(r.channels[0]);
+    EXPECT_EQ(values(*r.channels[0]), "1 3");
+}
+
 // ---- Fast and general paths ----
 
 // Lines of a few megabytes with quotes in many places: around the site code and the time, in the
