@@ -18,6 +18,7 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPdfWriter>
+#include <QWheelEvent>
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <chrono>
@@ -451,16 +452,6 @@ BENCHMARK(BM_ReferenceMoveRepaint)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
-int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
-
 // ---- Event markers and recording gaps ----
 
 namespace {
@@ -518,4 +509,105 @@ BENCHMARK(BM_RepaintMonth_60000Markers)
     ->MinTime(2.0);
 BENCHMARK(BM_GapDetectionReferenceMonth)->Unit(benchmark::kMillisecond);
 
+// ---- Navigation by mouse and keyboard, each step with its repaint at 1920 x 1080 ----
+
+// A step of the mouse on the big chart over the given window, then the repaint; step gets the
+// iteration's number so that it can alternate and keep the window over the data.
+template <class Step>
+void mouseStepWithRepaint(benchmark::State& state, double start, double end, Step step) {
+    StripChart& chart = bigChart();
+    chart.ShowXRange(start, end);
+    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    const QRectF plot = chart.plotArea();
+    int i = 0;
+    for (auto _ : state) {
+        step(chart, plot, i++);
+        chart.render(&image);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+}
+
+// One notch of the wheel about the plot's middle, in and out in turn.
+void wheelStep(StripChart& chart, const QRectF& plot, int i) {
+    const QPointF at = plot.center();
+    QWheelEvent e(at, chart.mapToGlobal(at), QPoint(), QPoint(0, i % 2 ? -120 : 120), Qt::NoButton,
+                  Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&chart, &e);
+}
+
+// One move of a middle-button drag, 40 pixels right and back in turn.
+void dragStep(StripChart& chart, const QRectF& plot, int i) {
+    const double y = plot.center().y();
+    const auto send = [&chart, y](QEvent::Type type, double x, Qt::MouseButton button,
+                                  Qt::MouseButtons held) {
+        QMouseEvent e(type, QPointF(x, y), chart.mapToGlobal(QPointF(x, y)), button, held,
+                      Qt::NoModifier);
+        QApplication::sendEvent(&chart, &e);
+    };
+    const double x = plot.center().x();
+    if (i == 0)
+        send(QEvent::MouseButtonPress, x, Qt::MiddleButton, Qt::MiddleButton);
+    send(QEvent::MouseMove, x + (i % 2 ? 0.0 : 40.0), Qt::NoButton, Qt::MiddleButton);
+}
+
+void releaseDrag(StripChart& chart) {
+    const QPointF at = chart.plotArea().center();
+    QMouseEvent e(QEvent::MouseButtonRelease, at, chart.mapToGlobal(at), Qt::MiddleButton,
+                  Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&chart, &e);
+}
+
+constexpr double hourStart = firstDay + 14.5;
+
+void BM_WheelZoomStep_ZoomAll(benchmark::State& state) {
+    mouseStepWithRepaint(state, firstDay, firstDay + days, wheelStep);
+}
+
+void BM_WheelZoomStep_OneHour(benchmark::State& state) {
+    mouseStepWithRepaint(state, hourStart, hourStart + 1.0 / 24.0, wheelStep);
+}
+
+void BM_DragPanStep_ZoomAll(benchmark::State& state) {
+    mouseStepWithRepaint(state, firstDay, firstDay + days, dragStep);
+    releaseDrag(bigChart());
+}
+
+void BM_DragPanStep_OneHour(benchmark::State& state) {
+    mouseStepWithRepaint(state, hourStart, hourStart + 1.0 / 24.0, dragStep);
+    releaseDrag(bigChart());
+}
+
+// Back and Forward in turn between the whole month and one hour of it.
+void BM_BackForwardStep(benchmark::State& state) {
+    StripChart& chart = bigChart();
+    chart.ShowXRange(firstDay, firstDay + days);
+    chart.ShowXRange(hourStart, hourStart + 1.0 / 24.0);
+    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    int i = 0;
+    for (auto _ : state) {
+        if (i++ % 2)
+            chart.model().forwardView();
+        else
+            chart.model().backView();
+        chart.render(&image);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+}
+
+BENCHMARK(BM_WheelZoomStep_ZoomAll)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_WheelZoomStep_OneHour)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_DragPanStep_ZoomAll)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_DragPanStep_OneHour)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_BackForwardStep)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+
 } // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

@@ -117,6 +117,7 @@ Form1::Form1(Environment& env, Dialogs& dialogs, const QString& argumentText, QW
     connect(Strip1, &StripChart::CursorChange, this, &Form1::Strip1_CursorChange);
     connect(Strip1, &StripChart::ChartMouseDown, this, &Form1::Strip1_ChartMouseDown);
     connect(Strip1, &StripChart::MarkerClick, this, &Form1::Strip1_MarkerClick);
+    connect(Strip1, &StripChart::ZoomAllRequest, this, &Form1::Strip1_ZoomAllRequest);
     connect(frameHist, &HistoryPanel::eventClicked, this, &Form1::lstHST_Click);
     connect(frameHist, &HistoryPanel::commentClicked, this, &Form1::gridHistoryEvents_Click);
     connect(frameHist, &HistoryPanel::addCommentClicked, this, &Form1::cmdAddComment_Click);

@@ -132,6 +132,8 @@ public:
     void Toolbar1_ButtonClick(const QString& key);
     void Toolbar1_ButtonMenuClick(const QString& key);
     void Strip1_ChartMouseDown(int button, int shift, double x, double y);
+    // Home on the focused chart.
+    void Strip1_ZoomAllRequest();
     void tmrUI_Timer();
     // Width of band 1 (the history column) in twips.
     int bandWidthTwips() const;

@@ -1,6 +1,6 @@
 // The main window's chart view commands that act through the statistics panel, the chart's
-// context menu and the toolbar's mouse: channel colours and visibility, the auxiliary channel
-// menu, the buffer size and the held scroll buttons.
+// context menu, the toolbar's mouse and the chart's keys: channel colours and visibility, the
+// auxiliary channel menu, the buffer size, zoom all from the keyboard and the held scroll buttons.
 #include "app/form1.h"
 
 #include "chart/chartview.h"
@@ -61,6 +61,12 @@ void Form1::mnuGraphSettings_Click() {
     // A cancelled box answers empty text and gets the same message.
     dialogs_.message(this, QStringLiteral("MaxBufferSize must be numeric!"), programTitle(),
                      QMessageBox::Ok, QMessageBox::Warning);
+}
+
+// ---- Chart keys ----
+
+void Form1::Strip1_ZoomAllRequest() {
+    ZoomAll();
 }
 
 // ---- Held scroll buttons ----

@@ -159,6 +159,9 @@ void Form1::LoadWell() {
     DebugOut(QStringLiteral("LoadWell()"));
     bool busyPointer = false;
     const auto restoreWindow = [&] {
+        // A load starts a new zoom history: the window it ends on is the first view, and the
+        // windows of the days on the way are forgotten.
+        Strip1->model().restartViewHistory();
         lstHST->holdLayout(false);
         // Once for the whole load: rebuilding tens of thousands of markers per day would cost.
         UpdateEventMarkers();

@@ -5,6 +5,8 @@
 namespace trendax::navigation {
 
 void zoomTime(StripChartModel& chart, int mode) {
+    // The new span and the re-centring are one view for Back.
+    const ViewGesture gesture(chart.viewHistory());
     const double start = chart.xViewStart();
     const double end = chart.xViewEnd();
     if (chart.cursorX() < start || chart.cursorX() > end)

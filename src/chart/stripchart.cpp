@@ -4,15 +4,18 @@
 #include "chart/chartsettingsdialog.h"
 #include "chart/gaps.h"
 #include "chart/legend.h"
+#include "chart/navigation.h"
 #include "chart/pixelpath.h"
 #include "chart/stripchartmodel.h"
 #include "chart/timeticks.h"
 #include "chart/valueticks.h"
+#include "chart/viewmoves.h"
 #include "storage/qtcolor.h"
 
 #include <QFontMetricsF>
 #include <QHelpEvent>
 #include <QImage>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEngine>
 #include <QPaintEvent>
@@ -22,6 +25,7 @@
 #include <QPrinter>
 #include <QTimer>
 #include <QToolTip>
+#include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -82,6 +86,16 @@ struct StripChart::Impl {
     std::vector<gaps::Gap> gapList;          // scratch
     std::vector<std::size_t> gapBreaks;      // scratch
     std::vector<std::size_t> pieceStarts;    // where each piece of the polyline begins
+    // Mouse navigation: what the press under way does, where it went down (pixels), the window
+    // then, and the moving edge of a range selection. A pan is one view for Back.
+    enum class Navigation { None, Pan, Range, Reference };
+    Navigation navigation = Navigation::None;
+    Qt::MouseButton navigationButton = Qt::NoButton;
+    double pressX = 0.0;
+    double rangeX = 0.0;
+    TimeWindow grabbed;
+    std::optional<ViewGesture> panGesture;
+    std::optional<ViewGesture> touchpadGesture;
 
     Geometry geometry(const QRectF& area, double scale, const QFont& base) const;
     void paintBase(QPainter& p, const Geometry& g);
@@ -95,6 +109,7 @@ struct StripChart::Impl {
     std::optional<MarkerColumn> flagAt(const Geometry& g, const QPointF& pos) const;
     void paintAxes(QPainter& p, const Geometry& g) const;
     void paintCursor(QPainter& p, const Geometry& g) const;
+    void paintRangeSelection(QPainter& p, const Geometry& g) const;
     void paintReference(QPainter& p, const Geometry& g) const;
     // The Y tics of every shown track in bands between top and bottom; the widest label.
     double placeValueTicks(Geometry& g, double top, double bottom) const;
@@ -554,6 +569,7 @@ void StripChart::Impl::updateReferenceStrips(QWidget& widget) {
 StripChart::StripChart(QWidget* parent) : QWidget(parent), d(std::make_unique<Impl>()) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMinimumSize(200, 120);
+    setFocusPolicy(Qt::StrongFocus); // the navigation keys
     d->model.setChangeListener([this](StripChartModel::Change change) {
         if (change == StripChartModel::Change::Reference) {
             d->updateReferenceStrips(*this);
@@ -611,6 +627,7 @@ void StripChart::paintEvent(QPaintEvent* event) {
     p.setClipRegion(event->region());
     p.drawPixmap(0, 0, d->layer);
     d->paintCursor(p, g);
+    d->paintRangeSelection(p, g);
     d->lastCursorPx = pixelIndex(g.time.toX(d->model.cursorX()));
     d->paintReference(p, g);
     if (const auto& b = d->model.referenceX())
@@ -680,6 +697,10 @@ void StripChart::mousePressEvent(QMouseEvent* event) {
     const QPointF pos = event->position();
     // The press is reported first; a left press inside the plot then moves the cursor.
     emit ChartMouseDown(button, shift, pos.x(), pos.y());
+    if (startNavigation(event)) {
+        event->accept();
+        return;
+    }
     if (button == 1) {
         const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
         if (g.plot.contains(pos)) {
@@ -707,6 +728,10 @@ bool StripChart::event(QEvent* event) {
 }
 
 void StripChart::mouseMoveEvent(QMouseEvent* event) {
+    if (continueNavigation(event)) {
+        event->accept();
+        return;
+    }
     if (!d->dragging || !(event->buttons() & Qt::LeftButton)) {
         QWidget::mouseMoveEvent(event);
         return;
@@ -723,6 +748,10 @@ void StripChart::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void StripChart::mouseReleaseEvent(QMouseEvent* event) {
+    if (finishNavigation(event)) {
+        event->accept();
+        return;
+    }
     if (event->button() == Qt::LeftButton && d->dragging) {
         d->dragging = false;
         flushDrag(); // the place of the release is always reported
@@ -749,6 +778,186 @@ std::optional<MarkerColumn> StripChart::markerFlagAt(const QPointF& pos) const {
 QString StripChart::markerToolTip(const QPointF& pos) const {
     const auto column = markerFlagAt(pos);
     return column ? d->markers.toolTip(*column) : QString();
+}
+
+// ---- Navigation ----
+
+void StripChart::Impl::paintRangeSelection(QPainter& p, const Geometry& g) const {
+    if (navigation != Navigation::Range)
+        return;
+    const double a = std::min(pressX, rangeX);
+    const double b = std::max(pressX, rangeX);
+    p.save();
+    p.setRenderHint(QPainter::Antialiasing, false);
+    const QRectF band(QPointF(a, g.plot.top()), QPointF(b, g.plot.bottom()));
+    p.fillRect(band, QColor(0, 90, 200, 50));
+    p.setPen(QPen(QColor(0, 90, 200), 0.0));
+    p.drawLine(QPointF(a, g.plot.top()), QPointF(a, g.plot.bottom()));
+    p.drawLine(QPointF(b, g.plot.top()), QPointF(b, g.plot.bottom()));
+    p.restore();
+}
+
+bool StripChart::startNavigation(const QMouseEvent* event) {
+    if (d->navigation != Impl::Navigation::None)
+        return true; // a second button during a gesture is ignored
+    const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
+    const QPointF pos = event->position();
+    const Qt::KeyboardModifiers m = event->modifiers();
+    const bool inPlot = g.plot.contains(pos);
+    // The strip of tic labels under the last track.
+    const bool onTimeAxis =
+        pos.y() > g.plot.bottom() && pos.x() >= g.plot.left() && pos.x() <= g.plot.right();
+    Impl::Navigation what = Impl::Navigation::None;
+    if (event->button() == Qt::MiddleButton)
+        what = Impl::Navigation::Pan;
+    else if (event->button() == Qt::LeftButton && inPlot && (m & Qt::ControlModifier))
+        what = Impl::Navigation::Range;
+    else if (event->button() == Qt::LeftButton && inPlot && (m & Qt::ShiftModifier))
+        what = Impl::Navigation::Reference;
+    else if (event->button() == Qt::LeftButton && onTimeAxis)
+        what = Impl::Navigation::Pan;
+    if (what == Impl::Navigation::None)
+        return false;
+    d->navigation = what;
+    d->navigationButton = event->button();
+    d->pressX = std::clamp(pos.x(), g.plot.left(), g.plot.right());
+    d->rangeX = d->pressX;
+    d->grabbed = {d->model.xViewStart(), d->model.xViewEnd()};
+    if (what == Impl::Navigation::Pan) {
+        d->panGesture.emplace(d->model.viewHistory());
+        setCursor(Qt::ClosedHandCursor);
+    } else if (what == Impl::Navigation::Reference) {
+        d->model.setReferenceX(g.time.toTime(d->pressX));
+    }
+    return true;
+}
+
+bool StripChart::continueNavigation(const QMouseEvent* event) {
+    if (d->navigation == Impl::Navigation::None)
+        return false;
+    if (!(event->buttons() & d->navigationButton)) {
+        finishNavigation(nullptr); // the release went elsewhere
+        return true;
+    }
+    const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
+    const double x = event->position().x();
+    switch (d->navigation) {
+    case Impl::Navigation::Pan: {
+        // From the window at the press, so that a long drag does not gather rounding.
+        const double fraction = (x - d->pressX) / std::max(1.0, g.plot.width());
+        const TimeWindow w = viewmoves::dragPan(d->grabbed, fraction);
+        d->model.showXRange(w.start, w.end);
+        break;
+    }
+    case Impl::Navigation::Range:
+        d->rangeX = std::clamp(x, g.plot.left(), g.plot.right());
+        update();
+        break;
+    case Impl::Navigation::Reference:
+        d->model.setReferenceX(g.time.toTime(std::clamp(x, g.plot.left(), g.plot.right())));
+        break;
+    case Impl::Navigation::None:
+        break;
+    }
+    return true;
+}
+
+bool StripChart::finishNavigation(const QMouseEvent* event) {
+    if (d->navigation == Impl::Navigation::None)
+        return false;
+    if (event && event->button() != d->navigationButton)
+        return true; // another button of the same gesture
+    const Impl::Navigation what = std::exchange(d->navigation, Impl::Navigation::None);
+    d->panGesture.reset();
+    unsetCursor();
+    if (what == Impl::Navigation::Range) {
+        // A click or a twitch of the hand is no selection: only a range of a few pixels zooms.
+        constexpr double smallestRangePixels = 3.0;
+        const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
+        if (std::abs(d->rangeX - d->pressX) >= smallestRangePixels) {
+            if (const auto w =
+                    viewmoves::rangeZoom(g.time.toTime(d->pressX), g.time.toTime(d->rangeX)))
+                d->model.showXRange(w->start, w->end);
+        }
+        update(); // the selection goes
+    }
+    return true;
+}
+
+void StripChart::wheelEvent(QWheelEvent* event) {
+    // A touchpad scroll from touch to lift is one view for Back; wheel notches are a view each.
+    const Qt::ScrollPhase phase = event->phase();
+    if (phase == Qt::ScrollBegin || phase == Qt::ScrollUpdate || phase == Qt::ScrollMomentum) {
+        if (!d->touchpadGesture)
+            d->touchpadGesture.emplace(d->model.viewHistory());
+    } else {
+        d->touchpadGesture.reset();
+    }
+    const QPointF delta =
+        event->angleDelta().isNull() ? QPointF(event->pixelDelta()) : QPointF(event->angleDelta());
+    const QPointF notches = delta / viewmoves::eighthsPerNotch;
+    const TimeWindow window{d->model.xViewStart(), d->model.xViewEnd()};
+    std::optional<TimeWindow> next;
+    if (event->modifiers() & Qt::ShiftModifier) {
+        // Some systems turn a shifted wheel into a horizontal one themselves.
+        const double amount = notches.y() != 0.0 ? notches.y() : notches.x();
+        if (amount != 0.0)
+            next = viewmoves::panByNotches(window, -amount);
+    } else if (notches.y() != 0.0) {
+        const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
+        const double x = std::clamp(event->position().x(), g.plot.left(), g.plot.right());
+        next = viewmoves::zoomAbout(window, g.time.toTime(x), notches.y());
+    } else if (notches.x() != 0.0) {
+        next = viewmoves::panByNotches(window, -notches.x());
+    }
+    if (next)
+        d->model.showXRange(next->start, next->end);
+    if (phase == Qt::ScrollEnd)
+        d->touchpadGesture.reset();
+    event->accept();
+}
+
+void StripChart::keyPressEvent(QKeyEvent* event) {
+    // Shortcuts with Ctrl belong to the window's menus.
+    if (event->modifiers() & (Qt::ControlModifier | Qt::MetaModifier)) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    const bool alt = event->modifiers() & Qt::AltModifier;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        if (alt)
+            d->model.backView();
+        else
+            navigation::scrollTime(d->model, 0);
+        break;
+    case Qt::Key_Right:
+        if (alt)
+            d->model.forwardView();
+        else
+            navigation::scrollTime(d->model, 1);
+        break;
+    case Qt::Key_Plus:
+    case Qt::Key_Equal: // the plus key without Shift
+        navigation::zoomTime(d->model, 0);
+        break;
+    case Qt::Key_Minus:
+        navigation::zoomTime(d->model, 1);
+        break;
+    case Qt::Key_Home:
+        emit ZoomAllRequest();
+        break;
+    case Qt::Key_Backspace:
+        d->model.backView();
+        break;
+    case Qt::Key_Escape:
+        d->model.setReferenceX(std::nullopt);
+        break;
+    default:
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    event->accept();
 }
 
 // ---- Properties ----

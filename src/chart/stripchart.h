@@ -126,6 +126,8 @@ signals:
     void CursorChange(double x);
     // A mouse button went down: button 1 left, 2 right, 4 middle; shift 1 Shift, 2 Ctrl, 4 Alt.
     void ChartMouseDown(int button, int shift, double x, double y);
+    // Home was pressed on the focused chart: the owner shows all loaded data (it knows its range).
+    void ZoomAllRequest();
     // The reference cursor was set, moved or removed (model().referenceX()).
     void ReferenceChange();
     // A plain left click on a marker's flag: the row of its event or comment (the first of the
@@ -139,8 +141,16 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    // Mouse navigation: a press that starts a pan, a range selection or a reference cursor move
+    // (true), and the moves and release of such a press (true while one is under way).
+    bool startNavigation(const QMouseEvent* event);
+    bool continueNavigation(const QMouseEvent* event);
+    bool finishNavigation(const QMouseEvent* event);
+
     // Moves the cursor to a time the user chose and reports it.
     void moveCursorByUser(double t);
     // Applies the drag position that waited for the last repaint.

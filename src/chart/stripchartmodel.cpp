@@ -211,19 +211,48 @@ void StripChartModel::setAppearance(const ChartAppearance& appearance) {
 void StripChartModel::showXRange(double start, double end) {
     // Ends that are not numbers are refused, and so is a window whose width overflows a double:
     // it would map every time onto one pixel column.
-    if (!std::isfinite(end - start) || !(start < end))
+    TimeWindow window{start, end};
+    if (!timewindow::clampToCalendar(window))
         return;
-    viewStart_ = start;
-    viewEnd_ = end;
-    // Always a redraw: callers use this call to refresh the chart after a load.
-    curvesChanged();
+    showWindow(window);
 }
 
 void StripChartModel::setXSpan(double days) {
     if (!std::isfinite(days) || !(days > 0.0) || !std::isfinite(viewStart_ + days))
         return;
-    viewEnd_ = viewStart_ + days;
+    TimeWindow window{viewStart_, viewStart_ + days};
+    if (!timewindow::clampToCalendar(window))
+        return;
+    showWindow(window);
+}
+
+void StripChartModel::showWindow(TimeWindow window) {
+    viewStart_ = window.start;
+    viewEnd_ = window.end;
+    history_.record(window);
+    // Always a redraw: callers use ShowXRange to refresh the chart after a load.
     curvesChanged();
+}
+
+bool StripChartModel::backView() {
+    return restoreView(history_.back());
+}
+
+bool StripChartModel::forwardView() {
+    return restoreView(history_.forward());
+}
+
+bool StripChartModel::restoreView(std::optional<TimeWindow> window) {
+    if (!window)
+        return false;
+    viewStart_ = window->start;
+    viewEnd_ = window->end;
+    curvesChanged();
+    return true;
+}
+
+void StripChartModel::restartViewHistory() {
+    history_.restart({viewStart_, viewEnd_});
 }
 
 void StripChartModel::setCursorX(double x) {

@@ -4,6 +4,7 @@
 #include "chart/charttypes.h"
 #include "chart/gaps.h"
 #include "chart/summarypyramid.h"
+#include "chart/viewhistory.h"
 #include "chart/xyarray.h"
 
 #include <QString>
@@ -106,9 +107,12 @@ public:
     double xViewEnd() const { return viewEnd_; }
     double xSpan() const { return viewEnd_ - viewStart_; }
     // Shows [start, end]. A window that is empty, inverted or not finite (zoom-all before any
-    // load asks for [0, 0], after a load without rows for [1e11, 0]) keeps the previous one.
+    // load asks for [0, 0], after a load without rows for [1e11, 0]) keeps the previous one. A
+    // window reaching before 30 December 1899 or beyond the year 9999 is moved inside, keeping
+    // its span (a wider one shows the whole calendar): the axis has no dates out there.
     void showXRange(double start, double end);
-    // Keeps XViewStart and moves XViewEnd; a span that is not positive is ignored.
+    // Keeps XViewStart and moves XViewEnd; a span that is not positive is ignored. Near the end of
+    // the calendar the window moves left to keep the span.
     void setXSpan(double days);
     double cursorX() const { return cursorX_; }
     // Moves the cursor (no CursorChange: that is for the user's clicks); not finite is ignored.
@@ -117,6 +121,17 @@ public:
     // Setting a time that is not finite is ignored.
     const std::optional<double>& referenceX() const { return referenceX_; }
     void setReferenceX(std::optional<double> x);
+
+    // ---- View history ----
+    // Every change of the window is recorded, whatever asked for it; Back and Forward show the
+    // recorded windows exactly and record nothing themselves. Each returns whether it moved.
+    bool backView();
+    bool forwardView();
+    // Starts a new history whose only view is the window on screen (a load ends with this).
+    void restartViewHistory();
+    // For gestures (ViewGesture) and for reading the history.
+    ViewHistory& viewHistory() { return history_; }
+    const ViewHistory& viewHistory() const { return history_; }
 
     // ---- Selectors ----
     int currentVar() const { return currentVar_; }
@@ -202,6 +217,8 @@ private:
     TrackSettings& writableTrack(int t);
     void curvesChanged();
     void cursorChanged();
+    void showWindow(TimeWindow window);
+    bool restoreView(std::optional<TimeWindow> window);
     void resetSeries(Series& s);
     void enforceLimit(Series& s);
     void releaseTimeBlocks(const std::shared_ptr<TimeColumn>& column);
@@ -226,6 +243,7 @@ private:
     double viewEnd_ = 1.0;
     double cursorX_ = 0.0;
     std::optional<double> referenceX_;
+    ViewHistory history_{TimeWindow{viewStart_, viewEnd_}};
     int currentVar_ = 0;
     int currentTrack_ = 0;
 

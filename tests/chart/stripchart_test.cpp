@@ -128,6 +128,7 @@ using ExtremeViews = StripChartWidget;
 TEST_F(ExtremeViews, PaintAndPrintWithoutOverflow) {
     constexpr double inf = std::numeric_limits<double>::infinity(), far = 1e11;
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double yearEnd9999 = 2958466.0; // 1 January 10000
     const struct {
         const char* name;
         double start, end, cursor; // asked for
@@ -135,11 +136,12 @@ TEST_F(ExtremeViews, PaintAndPrintWithoutOverflow) {
         bool cursorOnThePlot;      // a black cursor line is drawn
     } rows[] = {
         {"cursor far left of the view", 45000.0, 45001.0, -5e10, 45000.0, false},
-        {"view far right of the cursor", far - 1.0, far, 45000.5, far - 1.0, false},
-        {"view over nearly all doubles", -1e300, 1e300, 45000.5, -1e300, true},
+        {"view far right of the cursor ends the calendar", far - 1.0, far, 45000.5,
+         yearEnd9999 - 1.0, false},
+        {"view over nearly all doubles is the calendar", -1e300, 1e300, 45000.5, 0.0, true},
         {"view whose span overflows is refused", -1.7e308, 1.7e308, 45000.5, 45000.0, true},
         {"ordinary view", 45000.0, 45001.0, 45000.5, 45000.0, true},
-        {"huge view, cursor far out", -1e300, 1e300, far, -1e300, true},
+        {"huge view, cursor far beyond the calendar", -1e300, 1e300, far, 0.0, false},
     };
     // Not-a-number and infinite times and values, drawn with markers.
     const XYArray odd = makeArray(
