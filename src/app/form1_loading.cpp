@@ -185,6 +185,8 @@ void Form1::LoadWell() {
         Strip1->setXSpan(2);
         lstHST->clear();
         Strip1->setEventMarkers({});
+        // A reference time belongs to the data it was set on.
+        Strip1->model().setReferenceX(std::nullopt);
         lstHST->holdLayout(true);
         Strip1->ClearData();
 
