@@ -52,6 +52,10 @@ void Form1::buildExportMenu() {
     connect(mnuExportView, &QAction::triggered, this, [this] { ExportView(); });
     connect(mnuSiteReport, &QAction::triggered, this, [this] { PrintSiteReport(); });
     connect(mnuCopyChart, &QAction::triggered, this, [this] { CopyChart(); });
+    // The chart's own settings (grid, line width, event markers, recording gaps) are reached
+    // from the context menu as well: the menu that carries them never shows.
+    popup2->addSeparator();
+    popup2->addAction(mnuStripChartSettings);
 
     imbalancePanel = new QLabel(this);
     imbalancePanel->setVisible(false);

@@ -323,6 +323,8 @@ TEST_F(ChartView, RightClickOpensTheContextMenu) {
     showWindow();
     QTest::mouseClick(w->Strip1, Qt::RightButton, {}, w->Strip1->rect().center());
     EXPECT_TRUE(w->popup2->isVisible());
+    EXPECT_TRUE(w->popup2->actions().contains(w->mnuStripChartSettings))
+        << "the chart's settings are reachable from it";
     w->popup2->close();
 }
 
