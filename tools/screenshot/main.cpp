@@ -4,6 +4,7 @@
 // chosen.
 #include "app/form1.h"
 #include "chart/stripchart.h"
+#include "chart/stripchartmodel.h"
 #include "opendlg/dlgopen.h"
 #include "opendlg/importer.h"
 #include "opendlg/sitetree.h"
@@ -73,7 +74,9 @@ int main(int argc, char** argv) {
     const auto last = sitetree::dayDate(node.child(node.childCount() - 1)->text(0));
     window.CopySelectedNode(&node, first.value_or(0), last.value_or(0));
     window.LoadWell();
+    // The cursor, and a reference cursor before it, so the picture shows both read-outs.
     window.Strip1->setCursorX(window.XMin + (window.XMax - window.XMin) * 0.37);
+    window.Strip1->model().setReferenceX(window.XMin + (window.XMax - window.XMin) * 0.21);
     window.UpdateCursorDisplay();
     QApplication::processEvents();
     window.ArrangeControls();
