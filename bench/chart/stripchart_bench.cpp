@@ -154,18 +154,23 @@ void BM_CurveReductionZoomAll(benchmark::State& state) {
     }
 }
 
-// A cursor move keeps the curve layer: the repaint is the cached picture plus one line.
-void BM_CursorMoveRepaint(benchmark::State& state) {
+// Repaints at zoom-all after each move of a cursor, which keeps the curve layer: the repaint is
+// the cached picture plus a line.
+template <class Move> void cursorMoveRepaint(benchmark::State& state, Move move) {
     StripChart& chart = bigChart();
     chart.ShowXRange(firstDay, firstDay + days);
     QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
     chart.render(&image);
     int i = 0;
     for (auto _ : state) {
-        chart.setCursorX(firstDay + 1.0 + double(i++ % 28));
+        move(chart, double(i++ % 28));
         chart.render(&image);
         benchmark::DoNotOptimize(image.constBits());
     }
+}
+
+void BM_CursorMoveRepaint(benchmark::State& state) {
+    cursorMoveRepaint(state, [](StripChart& c, double day) { c.setCursorX(firstDay + 1.0 + day); });
 }
 
 // One statistics refresh: the 7 queries of each of the 13 rows after the window and the cursor
@@ -434,17 +439,9 @@ void BM_RepaintMonth_ZoomAll_WithReference(benchmark::State& state) {
 
 // Moving the reference cursor keeps the curve layer, as a cursor move does.
 void BM_ReferenceMoveRepaint(benchmark::State& state) {
-    StripChart& chart = bigChart();
-    chart.ShowXRange(firstDay, firstDay + days);
-    QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
-    chart.render(&image);
-    int i = 0;
-    for (auto _ : state) {
-        chart.model().setReferenceX(firstDay + 0.5 + double(i++ % 28));
-        chart.render(&image);
-        benchmark::DoNotOptimize(image.constBits());
-    }
-    chart.model().setReferenceX(std::nullopt);
+    cursorMoveRepaint(
+        state, [](StripChart& c, double day) { c.model().setReferenceX(firstDay + 0.5 + day); });
+    bigChart().model().setReferenceX(std::nullopt);
 }
 
 BENCHMARK(BM_RepaintMonth_ZoomAll_WithReference)->Unit(benchmark::kMillisecond)->MinTime(2.0);
