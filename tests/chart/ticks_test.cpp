@@ -67,9 +67,8 @@ TEST(ValueTicks, EndsAsTheyAreInnerTicsAtRoundValues) {
     }
 }
 
-// The time axis from the narrowest zoom to a third of a year, at the widths of a chart in the
-// smallest main window up to a 4K screen. A label line is at most 10 characters and a tic slot
-// as wide as the widest date ("12/28/2088") and a margin, as the chart measures it.
+// From the narrowest zoom to a third of a year, at widths from the smallest main window to 4K; a
+// tic slot is as wide as the widest date ("12/28/2088") and a margin, as the chart measures it.
 TEST(TimeTicks, ReadableFromTwoSecondsToOneHundredTwentyDays) {
     constexpr double charWidth = 7.0, slot = 10 * charWidth + 16.0;
     const double mar7 = *datetime::fromDate(2024, 3, 7), dec31 = *datetime::fromDate(2024, 12, 31);
@@ -79,13 +78,10 @@ TEST(TimeTicks, ReadableFromTwoSecondsToOneHundredTwentyDays) {
     } windows[] = {
         {"2 s across midnight", dec31 + 1 - 1 * second, 2 * second},
         {"narrowest zoom", mar7 + 0.55371, 2.25 * second},
-        {"10 s", mar7 + 0.55371, 10 * second},
         {"1 min", mar7 + 0.55371, 60 * second},
         {"10 min", mar7 + 0.55371, 600 * second},
         {"1 h", mar7 + 0.55371, 1.0 / 24},
-        {"6 h across midnight", dec31 + 0.9, 0.25},
         {"1 day", mar7 + 0.55371, 1.0},
-        {"3 days", mar7 + 0.55371, 3.0},
         {"1 week", mar7 + 0.55371, 7.0},
         {"30 days", mar7 + 0.55371, 30.0},
         {"120 days", mar7 + 0.55371, 120.0},
@@ -99,7 +95,6 @@ TEST(TimeTicks, ReadableFromTwoSecondsToOneHundredTwentyDays) {
             ASSERT_GE(ticks.size(), 2u) << "at least two labels";
             ASSERT_LE(ticks.size(), std::size_t(maxTicks) + 1);
             const double step = timeTickStep(w.start, end, maxTicks);
-            double previousDay = -1;
             for (std::size_t i = 0; i < ticks.size(); ++i) {
                 const TimeTick& t = ticks[i];
                 SCOPED_TRACE(t.label.toStdString());
@@ -115,14 +110,10 @@ TEST(TimeTicks, ReadableFromTwoSecondsToOneHundredTwentyDays) {
                 }
                 // The first tic and each new day carry the date; other tics only their time.
                 const double day = std::floor(t.time + 1e-9);
+                const bool newDay = i == 0 || day != std::floor(ticks[i - 1].time + 1e-9);
                 const QString date = datetime::formatShortDate(day);
-                if (step >= 1.0)
-                    EXPECT_EQ(t.label, date);
-                else if (day != previousDay)
-                    EXPECT_EQ(lines.value(1), date);
-                else
-                    EXPECT_EQ(lines.size(), 1);
-                previousDay = day;
+                EXPECT_EQ(step >= 1.0 ? t.label : lines.value(1),
+                          newDay || step >= 1.0 ? date : "");
             }
         }
     }
