@@ -48,18 +48,20 @@ TEST(EventMarkers, OneColumnPerPixelFoundUnderThePointerWithItsTooltip) {
     EXPECT_EQ(columns[2].kind, MarkerKind::Fault) << "the most urgent kind";
     EXPECT_EQ(m.at(columns[2].first).index, 5) << "the column starts at its earliest marker";
 
-    const double flag = 7.0; // pixels right of the marker line
+    const double flag = 7.0;  // pixels right of the marker line
+    constexpr int none = -99; // no flag there
     const struct {
         const char* name;
         double x;
-        int column; // -1: no flag there
+        int column;
     } rows[] = {{"OnTheMarkerLine", 20.0, 20},      {"OnTheFlag", 26.0, 24},
-                {"OverlapRightmostWins", 25.0, 24}, {"LeftOfEveryFlag", 19.5, -1},
-                {"PastTheFlag", 33.0, -1},          {"SharedColumn", 62.0, 60}};
+                {"OverlapRightmostWins", 25.0, 24}, {"LeftOfEveryFlag", 19.5, none},
+                {"BeforeTheWindow", 2.0, none},     {"PastTheFlag", 33.0, none},
+                {"SharedColumn", 62.0, 60}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         const auto column = m.columnAt(days, row.x, flag);
-        EXPECT_EQ(column ? column->x : -1, row.column);
+        EXPECT_EQ(column ? column->x : none, row.column);
     }
     EXPECT_EQ(m.toolTip(*m.columnAt(days, 21.0, flag)), "03/15/12 10:22:33 - Auto Start");
     EXPECT_EQ(m.toolTip(*m.columnAt(days, 61.0, flag), 3).split('\n'),
