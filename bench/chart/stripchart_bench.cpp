@@ -173,16 +173,21 @@ void BM_CursorMoveRepaint(benchmark::State& state) {
     cursorMoveRepaint(state, [](StripChart& c, double day) { c.setCursorX(firstDay + 1.0 + day); });
 }
 
+// The i-th of a walk of windows (a month or an hour) and cursors, so that no statistics query
+// is answered from the previous one.
+void moveWindowAndCursor(StripChartModel& m, int i) {
+    const double start = firstDay + double(i % 29) + 0.013 * (i % 7);
+    m.showXRange(start, start + (i % 2 ? days : 1.0 / 24.0));
+    m.setCursorX(start + 0.01);
+}
+
 // One statistics refresh: the 7 queries of each of the 13 rows after the window and the cursor
 // moved (so nothing is answered from the previous refresh).
 void BM_StatisticsRefresh91(benchmark::State& state) {
     StripChartModel& m = bigChart().model();
     int i = 0;
     for (auto _ : state) {
-        const double start = firstDay + double(i % 29) + 0.013 * (i % 7);
-        m.showXRange(start, start + (i % 2 ? days : 1.0 / 24.0));
-        m.setCursorX(start + 0.01);
-        ++i;
+        moveWindowAndCursor(m, i++);
         double sink = 0.0;
         for (int k = 0; k < variables; ++k) {
             sink += m.cursorValue(k);
@@ -230,10 +235,7 @@ void BM_StatisticsRefreshWithPanel(benchmark::State& state) {
     QImage image(panel.size(), QImage::Format_ARGB32_Premultiplied);
     int i = 0;
     for (auto _ : state) {
-        const double start = firstDay + double(i % 29) + 0.013 * (i % 7);
-        m.showXRange(start, start + (i % 2 ? days : 1.0 / 24.0));
-        m.setCursorX(start + 0.01);
-        ++i;
+        moveWindowAndCursor(m, i++);
         for (int k = 0; k < variables; ++k)
             panel.showStatistics(k, {m.cursorValue(k), m.viewMin(k), m.viewAvg(k), m.viewMax(k),
                                      m.dataMin(k), m.dataAvg(k), m.dataMax(k)});

@@ -26,17 +26,22 @@ TEST(InitialWindowSize, IsMostOfTheScreenButNeverBelowTheMinimum) {
         EXPECT_EQ(chartview::initialWindowSize(available, minimum), expected) << available.width();
 }
 
+// Texts of a plain font at the given resolution: every column 64 pixels wide.
+statslayout::Metrics metricsAt(double dpi) {
+    statslayout::Metrics m;
+    m.dpi = dpi;
+    m.lineHeight = m.boldLineHeight = int(dpi / 6);
+    m.checkBox = 20;
+    m.nameWidth = m.cursorTextWidth = 130;
+    m.columnWidth.fill(64);
+    return m;
+}
+
 // Each layout's panel height shows its rows whole and nothing of the next one; that the texts
 // stay clear of each other is checked on the panel itself.
 TEST(StatsLayout, PanelHeightsShowWholeRows) {
     for (const double dpi : {96.0, 144.0}) {
-        statslayout::Metrics m;
-        m.dpi = dpi;
-        m.lineHeight = m.boldLineHeight = int(dpi / 6);
-        m.checkBox = 20;
-        m.nameWidth = m.cursorTextWidth = 130;
-        m.columnWidth.fill(64);
-        const statslayout::Geometry g = statslayout::compute(m);
+        const statslayout::Geometry g = statslayout::compute(metricsAt(dpi));
         for (const auto& [twips, rows] :
              {std::pair{800.0, 1}, {1630.0, 5}, {2442.15, 8}, {3645.0, 13}}) {
             SCOPED_TRACE(testing::Message() << dpi << " dpi, " << twips << " twips");
@@ -45,6 +50,35 @@ TEST(StatsLayout, PanelHeightsShowWholeRows) {
             if (rows < statslayout::rowCount) {
                 EXPECT_LE(g.heightForRows(rows), g.names[rows].top());
             }
+        }
+    }
+}
+
+// The reference columns follow "Max"; the seven columns and the rows stay where they are.
+TEST(StatsLayout, ReferenceColumnsRightOfMaxAndOnlyWhenAsked) {
+    for (const double dpi : {96.0, 144.0}) {
+        SCOPED_TRACE(dpi);
+        statslayout::Metrics m = metricsAt(dpi);
+        m.referenceWidth = {70, 200};
+        const statslayout::Geometry plain = statslayout::compute(m);
+        EXPECT_TRUE(plain.referenceHeadings[0].isNull());
+        EXPECT_TRUE(plain.referenceValues[12][1].isNull());
+
+        m.referenceColumns = true;
+        const statslayout::Geometry g = statslayout::compute(m);
+        EXPECT_EQ(g.headings, plain.headings);
+        EXPECT_EQ(g.values, plain.values);
+        EXPECT_EQ(g.names, plain.names);
+        const QRect max = g.headings[statslayout::columnCount - 1];
+        const QRect ref = g.referenceHeadings[0], delta = g.referenceHeadings[1];
+        EXPECT_GT(ref.left(), max.right());
+        EXPECT_GT(delta.left(), ref.right());
+        EXPECT_EQ(delta.width(), 200);
+        EXPECT_GT(g.width, delta.right());
+        EXPECT_GT(g.width, plain.width);
+        for (int r = 0; r < statslayout::rowCount; ++r) {
+            EXPECT_EQ(g.referenceValues[r][0].left(), ref.left()) << r;
+            EXPECT_EQ(g.referenceValues[r][1].top(), g.values[r][0].top()) << r;
         }
     }
 }

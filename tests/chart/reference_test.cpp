@@ -1,5 +1,4 @@
 #include "chart/readouts.h"
-#include "chart/statslayout.h"
 #include "chart/stripchartmodel.h"
 #include "chartfixtures.h"
 
@@ -49,40 +48,6 @@ TEST(ReferenceReadouts, ValueAtAnyTimeFollowsTheCursorsNearestPointRule) {
     }
     EXPECT_EQ(m.valueAt(0, 10.5), 3.0) << "equal distance: the later time, the last added";
     EXPECT_EQ(m.valueAt(1, 10.5), 0.0) << "a variable without points";
-}
-
-// The reference columns follow "Max"; the seven columns and the rows stay where they are.
-TEST(StatsLayout, ReferenceColumnsRightOfMaxAndOnlyWhenAsked) {
-    for (const double dpi : {96.0, 144.0}) {
-        SCOPED_TRACE(dpi);
-        statslayout::Metrics m;
-        m.dpi = dpi;
-        m.lineHeight = m.boldLineHeight = int(dpi / 6);
-        m.checkBox = 20;
-        m.nameWidth = m.cursorTextWidth = 130;
-        m.columnWidth.fill(64);
-        m.referenceWidth = {70, 200};
-        const statslayout::Geometry plain = statslayout::compute(m);
-        EXPECT_TRUE(plain.referenceHeadings[0].isNull());
-        EXPECT_TRUE(plain.referenceValues[12][1].isNull());
-
-        m.referenceColumns = true;
-        const statslayout::Geometry g = statslayout::compute(m);
-        EXPECT_EQ(g.headings, plain.headings);
-        EXPECT_EQ(g.values, plain.values);
-        EXPECT_EQ(g.names, plain.names);
-        const QRect max = g.headings[statslayout::columnCount - 1];
-        const QRect ref = g.referenceHeadings[0], delta = g.referenceHeadings[1];
-        EXPECT_GT(ref.left(), max.right());
-        EXPECT_GT(delta.left(), ref.right());
-        EXPECT_EQ(delta.width(), 200);
-        EXPECT_GT(g.width, delta.right());
-        EXPECT_GT(g.width, plain.width);
-        for (int r = 0; r < statslayout::rowCount; ++r) {
-            EXPECT_EQ(g.referenceValues[r][0].left(), ref.left()) << r;
-            EXPECT_EQ(g.referenceValues[r][1].top(), g.values[r][0].top()) << r;
-        }
-    }
 }
 
 } // namespace
