@@ -46,6 +46,16 @@ constexpr double markerSize = 7.0;
 constexpr double flagWidth = 7.0;
 constexpr double flagHeight = 6.0;
 
+// Black at an opacity of alpha in 255 over a track's colour, mixed beforehand: the raster engine
+// fills an opaque colour in place, but blends a translucent one span by span and hands every
+// tall blend to its thread pool, which costs more than the rest of a repaint.
+QColor shadeOf(const QColor& track, int alpha) {
+    const auto mix = [alpha](int c) { return (c * (255 - alpha) + 127) / 255; };
+    return QColor(mix(track.red()), mix(track.green()), mix(track.blue()));
+}
+constexpr int gridAlpha = 60;
+constexpr int gapAlpha = 28;
+
 // Where everything goes for one area and resolution; recomputed per paint (cheap) so that the
 // click mapping and the picture always agree.
 struct Geometry {
@@ -183,12 +193,14 @@ void StripChart::Impl::paintBase(QPainter& p, const Geometry& g) {
     for (std::size_t t = 0; t < g.bands.size(); ++t) {
         p.fillRect(g.bands[t], toQColor(model.track(int(t)).color));
     }
+    // Gaps are shaded under the grid: both colours are mixed with the track's, not blended.
+    paintGaps(p, g);
     if (model.appearance().gridLines) {
-        QPen grid(QColor(0, 0, 0, 60), 0.0, Qt::DotLine);
-        p.setPen(grid);
         const auto ticks = timeTicks(model.xViewStart(), model.xViewEnd(), g.maxTimeTicks);
         for (std::size_t t = 0; t < g.bands.size(); ++t) {
             const QRectF& band = g.bands[t];
+            p.setPen(
+                QPen(shadeOf(toQColor(model.track(int(t)).color), gridAlpha), 0.0, Qt::DotLine));
             for (const TimeTick& tick : ticks) {
                 const double x = safePixel(g.time.toX(tick.time));
                 p.drawLine(QPointF(x, band.top()), QPointF(x, band.bottom()));
@@ -201,7 +213,6 @@ void StripChart::Impl::paintBase(QPainter& p, const Geometry& g) {
             }
         }
     }
-    paintGaps(p, g);
     paintMarkerLines(p, g);
     paintCurves(p, g);
     paintMarkerFlags(p, g);
@@ -325,11 +336,12 @@ void StripChart::Impl::paintGaps(QPainter& p, const Geometry& g) {
         std::sort(bandGaps.begin(), bandGaps.end(),
                   [](const gaps::Gap& a, const gaps::Gap& b) { return a.start < b.start; });
         const QRectF& band = g.bands[t];
+        const QColor shade = shadeOf(toQColor(model.track(int(t)).color), gapAlpha);
         const auto fill = [&](double x0, double x1) {
             x0 = std::max(x0, band.left());
             x1 = std::min(x1, band.right());
             if (x1 - x0 >= 1.0)
-                p.fillRect(QRectF(x0, band.top(), x1 - x0, band.height()), QColor(0, 0, 0, 28));
+                p.fillRect(QRectF(x0, band.top(), x1 - x0, band.height()), shade);
         };
         // Overlapping gaps of several curves are shaded once, so the shade stays even.
         double from = 0.0, to = 0.0;
