@@ -62,6 +62,11 @@ void Form1::LoadQXL(const QString& path) {
     // A file that cannot be opened throws and ends the whole load.
     const DataLogResult result = readDataLog(path, environment().appFolder(), state, options);
 
+    // The last day's bytes go before its points join the chart, where the load's memory peaks;
+    // until then they stay for the next day to be read into.
+    if (progress && progress->fileNumber() == progress->fileCount())
+        readBuffer_ = QByteArray();
+
     numChannels = state.numChannels;
     XMin = state.XMin;
     XMax = state.XMax;

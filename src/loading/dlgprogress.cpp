@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QScreen>
+#include <algorithm>
 
 namespace trendax {
 
@@ -49,6 +50,10 @@ void dlgProgress::showFile(int fileNumber, int count) {
 
 int dlgProgress::fileNumber() const {
     return ProgressBar1->value();
+}
+
+int dlgProgress::fileCount() const {
+    return std::max(0, ProgressBar1->maximum() - 1);
 }
 
 void dlgProgress::finishFiles() {

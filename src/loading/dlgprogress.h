@@ -30,6 +30,8 @@ public:
     void showFile(int fileNumber, int count);
     // The number of the file being read, 0 before the first.
     int fileNumber() const;
+    // The number of files of the load that beginFiles began.
+    int fileCount() const;
     // The whole load has been read.
     void finishFiles();
     // The row being read of the current file and its row count.
