@@ -10,6 +10,7 @@
 //
 // Usage: trendax-load-bench APPFOLDER SITE START END [--json] [--interact]   (dates MM/DD/YY)
 #include "app/form1.h"
+#include "chart/blockpool.h"
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
 #include "loading/datalog.h"
@@ -37,6 +38,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
 #include <sys/resource.h>
 #include <unistd.h>
 #include <vector>
@@ -123,11 +127,18 @@ void printCost(const char* what, const Cost& c) {
                 what, c.wall, c.user, c.system, c.threadUser, c.threadSystem);
 }
 
-// Median and worst of a set of timings, in milliseconds of processor time.
-void printTimings(const char* what, std::vector<double> ms) {
-    std::sort(ms.begin(), ms.end());
-    std::printf("%s: median %.2f ms, worst %.2f ms over %zu\n", what, ms[ms.size() / 2], ms.back(),
-                ms.size());
+// One timed step: milliseconds of processor time and the width of the window it showed.
+struct Step {
+    double ms = 0;
+    double span = 0;
+};
+
+// Median and worst of a set of steps, with the window of the worst.
+void printTimings(const char* what, std::vector<Step> steps) {
+    std::sort(steps.begin(), steps.end(), [](const Step& a, const Step& b) { return a.ms < b.ms; });
+    const Step& worst = steps.back();
+    std::printf("%s: median %.2f ms, worst %.2f ms (a window of %.4g h) over %zu\n", what,
+                steps[steps.size() / 2].ms, worst.ms, worst.span * 24, steps.size());
 }
 
 // Repaints, scroll and zoom steps and statistics refreshes of the loaded chart at 1920 x 1080.
@@ -146,12 +157,16 @@ void interact(Form1& w) {
         return double(b.tv_sec - a.tv_sec) * 1e3 + double(b.tv_nsec - a.tv_nsec) / 1e6;
     };
     auto show = [&](double a, double b) {
-        return timed([&] {
-            chart.ShowXRange(a, b);
-            chart.render(&image);
-        });
+        return Step{timed([&] {
+                        chart.ShowXRange(a, b);
+                        chart.render(&image);
+                    }),
+                    b - a};
     };
-    std::vector<double> all, scroll, zoom, stats;
+    // The first repaint at a new size makes the chart's layer and the glyphs of its labels; it
+    // is reported on its own.
+    const Step resized = show(first, last);
+    std::vector<Step> all, scroll, zoom, stats;
     for (int i = 0; i < 20; ++i)
         all.push_back(show(first, last));
     // Scroll a two-day window across the whole span, a tenth of the window per step.
@@ -174,11 +189,13 @@ void interact(Form1& w) {
         const double a = first + (last - first - 1) * (i % 37) / 37.0;
         chart.ShowXRange(a, a + (i % 2 ? 1.0 / 24 : 7.0));
         chart.setCursorX(a + 0.01);
-        stats.push_back(timed([&] {
-            w.UpdateStatistics();
-            w.UpdateCursorDisplay();
-        }));
+        stats.push_back({timed([&] {
+                             w.UpdateStatistics();
+                             w.UpdateCursorDisplay();
+                         }),
+                         chart.model().xViewEnd() - chart.model().xViewStart()});
     }
+    std::printf("first repaint at 1920 x 1080: %.2f ms\n", resized.ms);
     printTimings("repaint at zoom all", all);
     printTimings("scroll step and repaint", scroll);
     printTimings("zoom step and repaint", zoom);
@@ -291,6 +308,15 @@ int main(int argc, char** argv) {
                 "load, chart %.1f MiB)\n",
                 seconds, rows, seconds > 0 ? rows / seconds : 0.0, peakResidentMegabytes(),
                 residentBefore, window.Strip1->model().allocatedBytes() / 1048576.0);
+    const BlockPool& pool = BlockPool::shared();
+    std::printf("block pool: %.1f MiB mapped, %.1f MiB in use, %.1f MiB faulted in and free\n",
+                pool.mappedBytes() / 1048576.0, pool.usedBytes() / 1048576.0,
+                pool.preparedBytes() / 1048576.0);
+#if defined(__GLIBC__)
+    const struct mallinfo2 heap = mallinfo2();
+    std::printf("C heap: %.1f MiB in use, %.1f MiB free, %.1f MiB mapped on its own\n",
+                heap.uordblks / 1048576.0, heap.fordblks / 1048576.0, heap.hblkhd / 1048576.0);
+#endif
     printCost("parse-only pass", parsing);
     printCost("LoadWell", loading);
     auto ratio = [](double a, double b) { return b > 0 ? a / b : 0.0; };
