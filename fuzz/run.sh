@@ -44,13 +44,13 @@ for target in $targets; do
     [ -n "$binary" ] || { echo "$target was not built" >&2; exit 1; }
     log="$build/logs/$target.log"
     echo "== $target for ${seconds}s (seeds: $seeds, log: $log)"
-    before=$(ls "$build/findings" | grep -c "^$target-" || true)
+    before=$(ls "$build/findings" | grep -Ec "^$target-(crash|leak|timeout|oom)-" || true)
     # Leaks are checked: the targets free what they make.
     status=0
     "$binary" -max_total_time="$seconds" -runs="$runs_limit" -rss_limit_mb=2048 -timeout=25 \
         -print_final_stats=1 \
         -artifact_prefix="$build/findings/$target-" "$work" "$seeds" >"$log" 2>&1 || status=$?
-    after=$(ls "$build/findings" | grep -c "^$target-" || true)
+    after=$(ls "$build/findings" | grep -Ec "^$target-(crash|leak|timeout|oom)-" || true)
     runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
     [ -n "$runs" ] || runs=$(sed -n 's/^#\([0-9]*\).*/\1/p' "$log" | tail -n 1)
     took=$(sed -n 's/^Done [0-9]* runs in \([0-9]*\) second.*/\1/p' "$log" | tail -n 1)
