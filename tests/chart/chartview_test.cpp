@@ -40,8 +40,7 @@ statslayout::Metrics metricsAt(double dpi) {
     return m;
 }
 
-// Each layout's panel height shows its rows whole and nothing of the next one; that the texts
-// stay clear of each other is checked on the panel itself.
+// Each layout's panel height shows its rows whole and nothing of the next one.
 TEST(StatsLayout, PanelHeightsShowWholeRows) {
     for (const double dpi : {96.0, 144.0}) {
         const statslayout::Geometry g = statslayout::compute(metricsAt(dpi));

@@ -1,5 +1,3 @@
-// Event markers per pixel column and under the pointer; recording gaps: the limit, series out of
-// time order, and where a drawn curve breaks.
 #include "chart/chartmapping.h"
 #include "chart/eventmarkers.h"
 #include "chart/gaps.h"

@@ -277,8 +277,7 @@ TEST(StripChartModelStorage, DaysWithSharedTimesKeepTheirPointsAndTheirOrder) {
             }
             EXPECT_EQ(model.dataMax(k), double(k * 1000) + 9999.0);
         }
-        // One time column for thirteen value columns (about 18 bytes a point in part-filled
-        // blocks), not thirteen of each (over 30).
+        // One time column for thirteen value columns, not thirteen of each (over 30 bytes a point).
         EXPECT_LT(double(model.allocatedBytes()) / double(model.storedPoints()), 24.0);
     }
 }
