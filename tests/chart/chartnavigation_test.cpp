@@ -11,6 +11,7 @@
 #include <QTest>
 #include <QWheelEvent>
 #include <gtest/gtest.h>
+#include <tuple>
 
 #include <cmath>
 
@@ -184,12 +185,7 @@ TEST_F(ChartNavigation, ShiftDragSetsTheDashedReferenceCursorEscapeRemovesIt) {
 
 TEST_F(ChartNavigation, KeysScrollZoomGoBackAndForward) {
     QSignalSpy zoomAll(&chart, &StripChart::ZoomAllRequest);
-    const struct {
-        const char* name;
-        Qt::Key key;
-        Qt::KeyboardModifiers modifiers;
-        double start, end;
-    } rows[] = {
+    const std::tuple<const char*, Qt::Key, Qt::KeyboardModifiers, double, double> rows[] = {
         {"left scrolls earlier", Qt::Key_Left, {}, start0 - 0.1, end0 - 0.1},
         {"right scrolls later", Qt::Key_Right, {}, start0 + 0.1, end0 + 0.1},
         {"plus zooms in about the cursor", Qt::Key_Plus, {}, 45000.25, 45000.75},
@@ -202,15 +198,15 @@ TEST_F(ChartNavigation, KeysScrollZoomGoBackAndForward) {
         {"home asks for zoom all", Qt::Key_Home, {}, start0, end0},
         {"ctrl plus belongs to the window", Qt::Key_Plus, Qt::ControlModifier, start0, end0},
     };
-    for (const auto& r : rows) {
-        SCOPED_TRACE(r.name);
+    for (const auto& [name, key, modifiers, start, end] : rows) {
+        SCOPED_TRACE(name);
         // A history of three views, the middle one on screen.
         chart.ShowXRange(start0, start0 + 0.5);
         chart.ShowXRange(start0, end0);
         chart.ShowXRange(start0 + 0.5, end0);
         chart.model().backView();
-        QTest::keyClick(&chart, r.key, r.modifiers);
-        expectView(r.start, r.end);
+        QTest::keyClick(&chart, key, modifiers);
+        expectView(start, end);
     }
     EXPECT_EQ(zoomAll.count(), 1);
     chart.ShowXRange(start0, end0);

@@ -7,10 +7,18 @@
 namespace trendax {
 namespace {
 
-TEST(PanelReadability, ShowsEveryNameAndValueWholeAt96And144Dpi) {
+// Rows 0 to 7 start checked and every read-out "0"; filled, every name and value shows whole.
+TEST(StatsPanel, StartsAtZeroAndShowsEveryNameAndValueWholeAt96And144Dpi) {
     for (const double dpi : {96.0, 144.0}) {
         SCOPED_TRACE(dpi);
         StatsPanel panel(dpi);
+        for (int i = 0; i < StatsPanel::rowCount; ++i) {
+            const StatsRow& row = panel.rows[size_t(i)];
+            EXPECT_EQ(row.chkChannelVisible->isChecked(), i < 8) << i;
+            for (const QLabel* l : {row.lblCursorValue, row.lblMinDisp, row.lblAvgDisp,
+                                    row.lblMaxDisp, row.lblMin, row.lblAvg, row.lblMax})
+                EXPECT_EQ(l->text(), "0") << i;
+        }
         const QStringList names = {"Intake Temp.", "Discharge Pressure", "Quill Channel 8"};
         for (int i = 0; i < StatsPanel::rowCount; ++i) {
             panel.setRowName(i, names[i % 3]);
@@ -35,17 +43,6 @@ TEST(PanelReadability, ShowsEveryNameAndValueWholeAt96And144Dpi) {
             EXPECT_FALSE(box.intersects(above)) << "check box " << i;
             EXPECT_FALSE(box.intersects(panel.rows[size_t(i)].lblVar->geometry())) << i;
         }
-    }
-}
-
-TEST(StatsPanel, StartsWithEightRowsCheckedAndEveryReadoutZero) {
-    StatsPanel panel(96);
-    for (int i = 0; i < StatsPanel::rowCount; ++i) {
-        const StatsRow& row = panel.rows[size_t(i)];
-        EXPECT_EQ(row.chkChannelVisible->isChecked(), i < 8) << i;
-        for (const QLabel* l : {row.lblCursorValue, row.lblMinDisp, row.lblAvgDisp, row.lblMaxDisp,
-                                row.lblMin, row.lblAvg, row.lblMax})
-            EXPECT_EQ(l->text(), "0") << i;
     }
 }
 

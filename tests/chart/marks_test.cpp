@@ -1,5 +1,3 @@
-// Event markers per pixel column and under the pointer; recording gaps: the limit, series out of
-// time order, and where a drawn curve breaks.
 #include "chart/chartmapping.h"
 #include "chart/eventmarkers.h"
 #include "chart/gaps.h"
@@ -12,6 +10,7 @@
 #include <cmath>
 #include <limits>
 #include <span>
+#include <tuple>
 #include <vector>
 
 namespace trendax {
@@ -100,24 +99,21 @@ std::vector<Gap> gapsOf(const StripChartModel& m) {
 }
 
 TEST(RecordingGaps, HoleIsAGapOnlyBeyondTheLimit) {
-    // A log of `spacing` seconds with one hole in the middle.
-    const struct {
-        const char* name;
-        double spacing, hole; // seconds
-        bool isGap;
-    } rows[] = {{"OneSecondLogMissingFiftyNineSeconds", 1, 59, false},
-                {"OneSecondLogMissingTwoMinutes", 1, 120, true},
-                {"TenSecondLogHoleOfNinetyNineSeconds", 10, 99, false},
-                {"TenSecondLogHoleOfHundredAndOneSeconds", 10, 101, true},
-                {"FiveMinuteLogHoleOfFortyFiveMinutes", 300, 2700, false},
-                {"FiveMinuteLogHoleOfSixHours", 300, 21600, true}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        std::vector<double> times = run(day0, 200, row.spacing);
-        const Gap hole{times.back(), times.back() + row.hole * second};
-        const std::vector<double> after = run(hole.end, 200, row.spacing);
+    // A log of `spacing` seconds with a hole of so many seconds in the middle: a gap or not.
+    const std::tuple<const char*, double, double, bool> rows[] = {
+        {"OneSecondLogMissingFiftyNineSeconds", 1, 59, false},
+        {"OneSecondLogMissingTwoMinutes", 1, 120, true},
+        {"TenSecondLogHoleOfNinetyNineSeconds", 10, 99, false},
+        {"TenSecondLogHoleOfHundredAndOneSeconds", 10, 101, true},
+        {"FiveMinuteLogHoleOfFortyFiveMinutes", 300, 2700, false},
+        {"FiveMinuteLogHoleOfSixHours", 300, 21600, true}};
+    for (const auto& [name, spacing, holeSeconds, isGap] : rows) {
+        SCOPED_TRACE(name);
+        std::vector<double> times = run(day0, 200, spacing);
+        const Gap hole{times.back(), times.back() + holeSeconds * second};
+        const std::vector<double> after = run(hole.end, 200, spacing);
         times.insert(times.end(), after.begin(), after.end());
-        const std::vector<Gap> expected = row.isGap ? std::vector<Gap>{hole} : std::vector<Gap>{};
+        const std::vector<Gap> expected = isGap ? std::vector<Gap>{hole} : std::vector<Gap>{};
 
         // Appended in blocks as a load gives days (the hole between two), and backwards.
         StripChartModel ordered, backwards;

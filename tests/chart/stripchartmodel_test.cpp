@@ -1,7 +1,10 @@
 #include "chart/blockpool.h"
+#include "chart/csvexport.h"
+#include "chart/imbalance.h"
 #include "chart/stripchartmodel.h"
 #include "chartfixtures.h"
 
+#include <QBuffer>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -88,9 +91,10 @@ TEST(StripChartModelStatistics, EmptyWindowAnswersZeroAndOutOfOrderHiddenPointsA
     EXPECT_EQ(statsOf(m, 4), (Stats{-3.0, -3.0, 9.0, 13.0 / 5.0, -3.0, 9.0, 8.0 / 3.0}));
 }
 
+// The reference cursor reads values at any time by the same rule.
 TEST(StripChartModelStatistics, CursorValueIsTheNearestPointOrderedOrNot) {
     StripChartModel m;
-    // Two points at 3.0: the one added last wins.
+    // Two points at 3.0: the one added last wins; at equal distance the later time.
     m.addXYArray(0, makeArray({{1.0, 10.0}, {2.0, 20.0}, {3.0, 30.0}, {3.0, 31.0}, {5.0, 50.0}}));
     m.addXYArray(1, makeArray({{5.0, 50.0}, {3.0, 30.0}, {1.0, 10.0}, {3.0, 31.0}, {2.0, 20.0}}));
     ASSERT_FALSE(m.isTimeOrdered(1));
@@ -99,7 +103,9 @@ TEST(StripChartModelStatistics, CursorValueIsTheNearestPointOrderedOrNot) {
     for (const auto& [cursor, expected] : rows) {
         SCOPED_TRACE(testing::Message() << "cursor at " << cursor);
         m.setCursorX(cursor);
-        EXPECT_EQ(std::pair(m.cursorValue(0), m.cursorValue(1)), std::pair(expected, expected));
+        EXPECT_EQ(std::tuple(m.cursorValue(0), m.cursorValue(1), m.valueAt(0, cursor),
+                             m.valueAt(1, cursor)),
+                  std::tuple(expected, expected, expected, expected));
     }
 }
 
@@ -271,9 +277,89 @@ TEST(StripChartModelStorage, DaysWithSharedTimesKeepTheirPointsAndTheirOrder) {
             }
             EXPECT_EQ(model.dataMax(k), double(k * 1000) + 9999.0);
         }
-        // One time column for thirteen value columns (about 18 bytes a point in part-filled
-        // blocks), not thirteen of each (over 30).
+        // One time column for thirteen value columns, not thirteen of each (over 30 bytes a point).
         EXPECT_LT(double(model.allocatedBytes()) / double(model.storedPoints()), 24.0);
+    }
+}
+
+// ---- CSV export and phase imbalance ----
+
+constexpr double day = 46296.0; // 2026-10-01
+constexpr double second = 1.0 / 86400.0;
+
+// Points of one variable at day + seconds[i] seconds.
+XYArray points(const std::vector<double>& seconds, const std::vector<double>& values) {
+    XYArray a(2, seconds.size());
+    for (std::size_t i = 0; i < seconds.size(); ++i) {
+        a.at(0, i) = day + seconds[i] * second;
+        a.at(1, i) = values[i];
+    }
+    return a;
+}
+
+QString csvOf(const StripChartModel& model, const std::vector<csvexport::Column>& columns) {
+    QBuffer out;
+    out.open(QIODevice::WriteOnly);
+    EXPECT_TRUE(csvexport::writeVisible(model, columns, out));
+    return QString::fromUtf8(out.data());
+}
+
+TEST(CsvExport, RowsOfTheVisibleWindowWithEmptyFieldsForMissingPoints) {
+    StripChartModel model;
+    model.addXYArray(0, points({0, 1, 2, 3, 4}, {1.5, 2.5, 3.5, 4.5, 5.5}));
+    model.addXYArray(1, points({1, 3, 5}, {-0.25, 1e-7, 7}));
+    model.showXRange(day + 1 * second, day + 3 * second);
+    EXPECT_EQ(csvOf(model, {{0, "Phase A"}, {1, QString::fromUtf8("Pressure, \"psi\" é")}}),
+              QString::fromUtf8("Time,Controller Time,Phase A,\"Pressure, \"\"psi\"\" é\"\r\n"
+                                "2026-10-01T00:00:01,10/01/26 00:00:01,2.5,-0.25\r\n"
+                                "2026-10-01T00:00:02,10/01/26 00:00:02,3.5,\r\n"
+                                "2026-10-01T00:00:03,10/01/26 00:00:03,4.5,1e-07\r\n"));
+}
+
+TEST(CsvExport, HundredthsOfASecondOnlyWhenPresentAndOutOfOrderPointsFilteredByTheWindow) {
+    StripChartModel model;
+    model.addXYArray(0, points({0.25, 59.996, 61, 130, 121}, {1, 2, 3, 4, 5}));
+    model.showXRange(day, day + 125 * second);
+    EXPECT_EQ(csvOf(model, {{0, "A"}}).split("\r\n"),
+              (QStringList{"Time,Controller Time,A", "2026-10-01T00:00:00.25,10/01/26 00:00:00,1",
+                           "2026-10-01T00:01:00,10/01/26 00:01:00,2",
+                           "2026-10-01T00:01:01,10/01/26 00:01:01,3",
+                           "2026-10-01T00:02:01,10/01/26 00:02:01,5", ""}));
+    QBuffer readOnly; // a failed write is reported
+    readOnly.open(QIODevice::ReadOnly);
+    EXPECT_FALSE(csvexport::writeVisible(model, {{0, "A"}}, readOnly));
+}
+
+TEST(Imbalance, PercentOfThePhases) {
+    // Phases a, b, c and the imbalance in percent, -1 where there is none.
+    const double rows[][4] = {
+        {40, 40, 40, 0}, {44, 38, 38, 10}, {30, 45, 45, 25}, {0, 0, 0, -1}, {40, NAN, 40, -1}};
+    for (const auto& r : rows)
+        EXPECT_NEAR(imbalance::percent(r[0], r[1], r[2]).value_or(-1), r[3], 1e-9) << r[0];
+}
+
+TEST(Imbalance, PeakOverTheWindow) {
+    // Phases logged together share their time column; phases logged apart are paired with the
+    // latest point of the others at or before each time.
+    for (const bool together : {true, false}) {
+        SCOPED_TRACE(together ? "one time column" : "time columns of their own");
+        StripChartModel model;
+        std::vector<double> t(10000), tc(10000), a(10000, 40), b(10000, 40), c(10000, 40);
+        for (int i = 0; i < 10000; ++i)
+            t[i] = i, tc[i] = together ? i : i - 0.5;
+        a[5000] = 50; // 25 % at 5000 s
+        b[5000] = c[5000] = 35;
+        a[9000] = 100; // outside the window
+        model.addXYArray(0, points(t, a));
+        model.addXYArray(1, points(t, b));
+        model.addXYArray(2, points(tc, c));
+        ASSERT_EQ(model.sharesTimeColumn(0, 2), together);
+        model.showXRange(day + 100 * second, day + 8000 * second);
+        const auto peak = imbalance::windowPeak(model, 0, 1, 2);
+        ASSERT_TRUE(peak);
+        EXPECT_NEAR(peak->percent, 25.0, 1e-9);
+        EXPECT_DOUBLE_EQ(peak->time, day + 5000 * second);
+        EXPECT_FALSE(imbalance::windowPeak(model, 3, 4, 5)) << "no currents";
     }
 }
 

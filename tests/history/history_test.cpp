@@ -1,7 +1,9 @@
-// History files and the comments file: decoding, sorting, appending.
+// History files and the comments file: decoding, sorting, appending; the chart markers they give.
 #include "history/eventcodes.h"
 #include "history/historyfile.h"
+#include "history/markerfeed.h"
 #include "history/usercomments.h"
+#include "storage/datetime.h"
 #include "support/scratchfolder.h"
 
 #include <QFile>
@@ -9,6 +11,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace trendax::history {
@@ -52,20 +55,11 @@ TEST(EventCodes, EveryCodeShowsItsTextInTheHistoryList) {
         const QString line = codeText[0].leftJustified(8) + "03/15 10:22:33 AAAABBBB";
         EXPECT_EQ(HistoryEventText(line, u"12"), "03/15/12 10:22:33 - " + codeText.value(1));
     }
-    // Rows no trimmed code reaches stay in the table as the manuals print them.
-    const auto table = eventCodeTable();
-    ASSERT_EQ(table.size(), 81u);
-    EXPECT_EQ(QString(table[18].code) + '=' + table[18].text, "HI20    =ORB Intake Temp. High");
-    EXPECT_EQ(QString(table[44].code) + '=' + table[44].text, "VUB=Voltage Unbalance");
-    EXPECT_EQ(QString(table[78].code) + '=' + table[78].text, "Ai2 Lo=Analog 2 Low");
 }
 
 TEST(HistoryLine, DecodesToTheListEntry) {
-    const struct {
-        const char* name;
-        const char* line;
-        const char* entry; // nullptr: the line cannot be decoded
-    } rows[] = {
+    // Name, line and entry; nullptr: the line cannot be decoded.
+    const std::tuple<const char*, const char*, const char*> rows[] = {
         {"narrower code column", "OLD03/15 10:22:33", "03/15/12 10:22:33 - Overload"},
         {"wider code column", "MnStop      12/31 23:59:59 x", "12/31/12 23:59:59 - Manual Stop"},
         {"leading blanks", "  PwrOff  01/02 03:04:05", "01/02/12 03:04:05 - Power Fail"},
@@ -74,35 +68,32 @@ TEST(HistoryLine, DecodesToTheListEntry) {
         {"no slash", "OLD     0315 10:22:33", nullptr},
         {"slash in first column", "/OLD    03/15 10:22:33", nullptr},
         {"slash in second column", "O/LD    03/15 10:22:33", nullptr}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        const auto entry = HistoryEventText(QString::fromLatin1(row.line), u"12");
-        EXPECT_EQ(entry.value_or("none"), QString::fromLatin1(row.entry ? row.entry : "none"));
+    for (const auto& [name, line, entry] : rows) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(HistoryEventText(QString::fromLatin1(line), u"12").value_or("none"),
+                  QString::fromLatin1(entry ? entry : "none"));
     }
 }
 
 TEST(HistoryEntries, EveryLineButALonelyOneYieldsAnEntry) {
     const QString old = "03/15/12 10:22:33 - Overload", puv = "03/15/12 11:00:00 - Power Restored";
     const QByteArray o = "OLD     03/15 10:22:33", p = "PUV     03/15 11:00:00";
-    const struct {
-        const char* name;
-        QByteArray file;
-        QStringList entries;
-    } rows[] = {{"empty", "", {}},
-                {"one line and blank lines", o + "\r\n\r\n   \r\n", {}},
-                {"LF", o + "\n" + p, {old, puv}},
-                {"CR, byte order mark", "\xEF\xBB\xBF" + o + "\r" + p + "\r", {old, puv}},
-                {"blank lines", "\r\n" + o + "\r\n\r\n\t \r\n" + p + "\r\n\r\n", {old, puv}},
-                {"undecodable lines repeat the entry before",
-                 "garbage\r\n" + o + "\r\nno slash\r\n/\r\n" + p,
-                 {"", old, old, old, puv}},
-                {"NUL and Windows-1252 bytes stay in the code",
-                 QByteArray("O\0D     03/15 10:22:33\r\n\x80\xE9      03/15 11:00:00\r\n", 48),
-                 {QStringLiteral("03/15/12 10:22:33 - History Event (O") + QChar(0) + "D)",
-                  QStringLiteral("03/15/12 11:00:00 - History Event (\u20AC\u00E9)")}}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(historyEntries(row.file, u"12"), row.entries);
+    const std::tuple<const char*, QByteArray, QStringList> rows[] = {
+        {"empty", "", {}},
+        {"one line and blank lines", o + "\r\n\r\n   \r\n", {}},
+        {"LF", o + "\n" + p, {old, puv}},
+        {"CR, byte order mark", "\xEF\xBB\xBF" + o + "\r" + p + "\r", {old, puv}},
+        {"blank lines", "\r\n" + o + "\r\n\r\n\t \r\n" + p + "\r\n\r\n", {old, puv}},
+        {"undecodable lines repeat the entry before",
+         "garbage\r\n" + o + "\r\nno slash\r\n/\r\n" + p,
+         {"", old, old, old, puv}},
+        {"NUL and Windows-1252 bytes stay in the code",
+         QByteArray("O\0D     03/15 10:22:33\r\n\x80\xE9      03/15 11:00:00\r\n", 48),
+         {QStringLiteral("03/15/12 10:22:33 - History Event (O") + QChar(0) + "D)",
+          QStringLiteral("03/15/12 11:00:00 - History Event (\u20AC\u00E9)")}}};
+    for (const auto& [name, file, entries] : rows) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(historyEntries(file, u"12"), entries);
     }
 }
 
@@ -115,24 +106,13 @@ TEST(HistoryFile, TheYearComesFromTheNameMatchedInAnyCase) {
     EXPECT_TRUE(readHistoryFile(home.file("AB12031512.txt")).isEmpty());
 }
 
-TEST(HistoryEntryTime, ImpossibleDatesAndTimesAreNoTime) {
-    for (const char* entry : {"03/1/12 - x", "02/30/12 10:22:33 - x", "03/15/12 24:00:00 - x"}) {
-        SCOPED_TRACE(entry);
-        EXPECT_FALSE(historyEntryTime(QString::fromLatin1(entry)));
-    }
-}
-
 datetime::DateTime at(int y, int mo, int d, int h, int mi, int s) {
     return *datetime::fromDateTime(y, mo, d, h, mi, s);
 }
 
 TEST(CommentRows, EachLineIsTakenWholeAndRowsSortByTheTimeText) {
     const QString t = "03/02/2012 07:05:09\t";
-    const struct {
-        const char* name;
-        QByteArray file;
-        QStringList rows;
-    } rows[] = {
+    const std::tuple<const char*, QByteArray, QStringList> rows[] = {
         {"commas, quotes, TAB; the 20th character dropped",
          "03/02/2012 07:05:09Xa, \"b\"\tc\r\n",
          {t + "a, \"b\"\tc"}},
@@ -143,9 +123,9 @@ TEST(CommentRows, EachLineIsTakenWholeAndRowsSortByTheTimeText) {
          "12/20/2012 08:00:00 dec\r\n01/05/2013 08:00:00 jan\r\n03/02/2012 07:05:09 zeta\r\n"
          "03/02/2012 07:05:09 alpha\r\n",
          {"01/05/2013 08:00:00\tjan", t + "zeta", t + "alpha", "12/20/2012 08:00:00\tdec"}}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(commentRows(row.file), row.rows);
+    for (const auto& [name, file, expected] : rows) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(commentRows(file), expected);
     }
 }
 
@@ -161,15 +141,6 @@ TEST(CommentRowsCache, FollowsTheFileAsItIsCreatedAppendedToAndRemoved) {
     EXPECT_EQ(cache.rows(path).size(), 2);
     ASSERT_TRUE(QFile::remove(path));
     EXPECT_TRUE(cache.rows(path).isEmpty());
-}
-
-TEST(CommentTime, CellsAreReadInTheFileFormAndTheGeneralForm) {
-    const datetime::DateTime time = at(2012, 12, 20, 13, 0, 1);
-    EXPECT_EQ(commentCellTime(datetime::formatGeneral(time)), time);
-    for (const char* cell : {"Time", "13/02/2012 07:05:09", "note 07:05:09"}) {
-        SCOPED_TRACE(cell);
-        EXPECT_FALSE(commentCellTime(QString::fromLatin1(cell)));
-    }
 }
 
 // Appended byte for byte to what is there, in the file's own letter case; what Windows-1252
@@ -210,6 +181,58 @@ TEST(AppendUserComment, AppendsOneLineToWhatIsThereOrFailsLeavingTheFileAsItWas)
         ASSERT_TRUE(QFile::setPermissions(home.file("ab12userevents.txt"), QFileDevice::ReadOwner));
         refused("read-only file", AppendUserComment(at(2012, 3, 2, 7, 5, 9), "x", path));
     }
+}
+
+// ---- Chart markers ----
+
+TEST(EventClasses, EveryListEntryHasTheClassOfItsEvent) {
+    const std::pair<EventClass, std::vector<const char*>> groups[] = {
+        {EventClass::Fault,
+         {"Overload", "Underload", "Current Unbalance", "Power Fail", "Voltage Too Low",
+          "Analog 1 Low", "ORB Intake Pressure  Low", "History Event (HI20)"}},
+        {EventClass::StartStop, {"Auto Start", "Manual Stop"}},
+        {EventClass::Other, {"Power Restored", "Rotation Error", "History Event (old)"}}};
+    for (const auto& [expected, texts] : groups)
+        for (const char* text : texts) {
+            SCOPED_TRACE(text);
+            EXPECT_EQ(entryEventClass(QStringLiteral("03/15/12 10:22:33 - ") + text), expected);
+        }
+    for (const char* entry : {"", "03/15/12 10:22:33", "03/15/12 10:22:33 Overload"}) {
+        SCOPED_TRACE(entry);
+        EXPECT_EQ(entryEventClass(QString::fromLatin1(entry)), EventClass::Other);
+    }
+}
+
+// Times are read from entries and from comment cells in the file form and the general form;
+// impossible dates and times are none.
+TEST(EventMarkerFeed, OneMarkerPerReadableEntryAndCommentRow) {
+    const QStringList entries{"03/15/12 10:22:33 - Overload",
+                              "",
+                              "03/15/12 11:00:00 - Auto Start",
+                              "03/15/12 12:00:00 - Digital Input One",
+                              "03/1/12 - x",
+                              "02/30/12 10:22:33 - x",
+                              "03/15/12 24:00:00 - x"};
+    const QStringList comments{"Time\tComment", "03/15/2012 09:30:00\tpump pulled\tfor service",
+                               "3/16/2012 8:05:00 AM\tback on", "13/02/2012 07:05:09\tx",
+                               "note 07:05:09\tx"};
+    // Each marker as its second from 03/15/12 00:00, kind, list or grid, row and text.
+    const double mar15 = *datetime::fromDate(2012, 3, 15);
+    const char* const kinds[] = {"fault", "start/stop", "comment", "other"};
+    QStringList found;
+    for (const EventMarker& m : eventMarkers(entries, comments))
+        found << QString("%1 %2 %3 %4 %5")
+                     .arg(std::lround((m.time - mar15) * 86400))
+                     .arg(kinds[int(m.kind)])
+                     .arg(m.source == MarkerSource::Comment ? "grid" : "list")
+                     .arg(m.index)
+                     .arg(m.text);
+    EXPECT_EQ(found, QStringList({"37353 fault list 0 03/15/12 10:22:33 - Overload",
+                                  "39600 start/stop list 2 03/15/12 11:00:00 - Auto Start",
+                                  "43200 other list 3 03/15/12 12:00:00 - Digital Input One",
+                                  "34200 comment grid 1 pump pulled\tfor service",
+                                  "115500 comment grid 2 back on"}))
+        << "the entries and rows without a time give none";
 }
 
 } // namespace
