@@ -1,19 +1,18 @@
 // The main window and its chart view: layouts and commands after loads, channel colours and
-// visibility, held scrolling, markers, the buffer size, the cursor read-outs, the window's
-// commands and the about box.
+// visibility, held scrolling, markers, the buffer size, the cursor and reference read-outs,
+// going back through the views, the window's commands and the about box.
 #include "app/frmsplash.h"
 #include "loading/dlgprogress.h"
 #include "mainwindowtest.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QCheckBox>
 #include <QDir>
 #include <QFile>
 #include <QMenu>
-#include <QMouseEvent>
 #include <QTimer>
 #include <QToolBar>
+#include <algorithm>
 
 namespace trendax::test {
 namespace {
@@ -99,14 +98,11 @@ INSTANTIATE_TEST_SUITE_P(Loads, LayoutAfterLoads, ::testing::ValuesIn(layoutCase
 TEST_F(ChartView, ColoursComeFromTheSettingsStoreTheChooserAndGoBackToIt) {
     w.reset();
     env.settings.clear();
-    env.settings.insert("Channel3/Color", "255");
-    env.settings.insert("Channel0/Color", "not a colour");
+    env.settings.insert("Channel3/Color", "255"); // which texts are colours is tested apart
     w = std::make_unique<Form1>(env, dialogs);
     w->show();
     w->Strip1->setCurrentVar(3);
     EXPECT_EQ(w->Strip1->VarColor(), 255u);
-    w->Strip1->setCurrentVar(0); // not a colour: the built-in one stays
-    EXPECT_EQ(w->Strip1->VarColor(), 160u * 65536u);
 
     dialogs.colorAnswers = {std::nullopt, QColor(10, 20, 30)};
     QTest::mouseClick(w->stats[2].lblVar, Qt::LeftButton); // cancelled
@@ -179,14 +175,12 @@ TEST_F(ChartView, MarkersStayThroughAReloadAndTheNextToggleRemovesThem) {
     loadChannels(5);
     w->Toolbar1_ButtonClick("points");
     loadChannels(5);
-    for (int v : {0, 7, 12}) {
-        w->Strip1->setCurrentVar(v);
-        EXPECT_EQ(w->Strip1->VarSymbol(), v + 1) << v;
-    }
-    w->Toolbar1_ButtonClick("points");
-    for (int v = 0; v < 13; ++v) {
-        w->Strip1->setCurrentVar(v);
-        EXPECT_EQ(w->Strip1->VarSymbol(), 0) << v;
+    for (const bool on : {true, false}) {
+        for (int v = 0; v < 13; ++v) {
+            w->Strip1->setCurrentVar(v);
+            EXPECT_EQ(w->Strip1->VarSymbol(), on ? v + 1 : 0) << v;
+        }
+        w->Toolbar1_ButtonClick("points");
     }
 }
 
@@ -196,9 +190,8 @@ TEST_F(ChartView, BufferSizePromptTakesOnlyAWholePositiveNumber) {
         int size;
         bool refused;
     };
-    const Row rows[] = {{"50000", 50000, false},     {"abc", 50000, true},
-                        {std::nullopt, 50000, true}, {"-3", 50000, true},
-                        {"3000000000", 50000, true}, {"30000.5", 30000, false}};
+    // Which answers are whole positive sizes is the answer reader's own rule.
+    const Row rows[] = {{"50000", 50000, false}, {"abc", 50000, true}, {std::nullopt, 50000, true}};
     for (const Row& r : rows) {
         SCOPED_TRACE(r.answer.value_or(QStringLiteral("(cancel)")).toStdString());
         const QString preset = QString::number(w->Strip1->MaxBufferSize());
@@ -215,9 +208,8 @@ TEST_F(ChartView, BufferSizePromptTakesOnlyAWholePositiveNumber) {
     }
 }
 
-TEST_F(ChartView, ClickAndDragInTheChartRefreshEveryRowAndTheStatusBar) {
+TEST_F(ChartView, ClicksInTheChartRefreshEveryRowAndTheStatusBarButAZoomDoesNot) {
     // Variable k reads k + 1 at the start of the day and -(k + 1) at its end; slot 12 is empty.
-    QStringList firstTexts, lastTexts;
     for (int k = 0; k < 12; ++k) {
         XYArray a(2, 2);
         a.at(0, 0) = mar15;
@@ -225,44 +217,37 @@ TEST_F(ChartView, ClickAndDragInTheChartRefreshEveryRowAndTheStatusBar) {
         a.at(0, 1) = mar15 + 1;
         a.at(1, 1) = -(k + 1);
         w->Strip1->AddXYArray(k, &a);
-        firstTexts << QStringLiteral("%1.00").arg(k + 1);
-        lastTexts << QStringLiteral("-%1.00").arg(k + 1);
     }
-    firstTexts << "0.00";
-    lastTexts << "0.00";
     w->Strip1->ShowXRange(mar15, mar15 + 1);
     showWindow();
     const QRectF plot = w->Strip1->plotArea();
     const QPoint nearStart(int(plot.left() + 5), int(plot.center().y()));
     const QPoint nearEnd(int(plot.right() - 5), int(plot.center().y()));
-    const auto expectRows = [&](const QStringList& cursorTexts) {
+    // Row k's value at the day's start (sign 1) or end (sign -1), as shown.
+    const auto shown = [](int k, int sign) {
+        return QString::number(k < 12 ? sign * (k + 1) : 0) + ".00";
+    };
+    // Every row with its cursor value at the day's start or end.
+    const auto expectRows = [&](int cursorSign) {
         for (int k = 0; k < 13; ++k) {
             SCOPED_TRACE("row " + std::to_string(k));
             const StatsRow& row = w->stats[size_t(k)];
-            EXPECT_EQ(row.lblCursorValue->text(), cursorTexts[k]);
-            EXPECT_EQ(row.lblMin->text() + row.lblMinDisp->text(), lastTexts[k] + lastTexts[k]);
-            EXPECT_EQ(row.lblMax->text() + row.lblMaxDisp->text(), firstTexts[k] + firstTexts[k]);
+            EXPECT_EQ(row.lblCursorValue->text(), shown(k, cursorSign));
+            EXPECT_EQ(row.lblMin->text() + row.lblMinDisp->text(), shown(k, -1) + shown(k, -1));
+            EXPECT_EQ(row.lblMax->text() + row.lblMaxDisp->text(), shown(k, 1) + shown(k, 1));
             EXPECT_EQ(row.lblAvg->text() + row.lblAvgDisp->text(), "0.000.00");
         }
         EXPECT_EQ(w->statusPanels[1]->text(), "Cursor: " + w->lblCursor->text());
     };
 
     QTest::mouseClick(w->Strip1, Qt::LeftButton, {}, nearStart);
-    expectRows(firstTexts);
+    expectRows(1);
     EXPECT_TRUE(w->lblCursor->text().startsWith("3/15/2012 "))
         << w->lblCursor->text().toStdString();
     const QString clickedTime = w->lblCursor->text();
 
-    QTest::mousePress(w->Strip1, Qt::LeftButton, {}, nearStart);
-    for (int x = nearStart.x(); x <= nearEnd.x(); x += (nearEnd.x() - nearStart.x()) / 4) {
-        QMouseEvent move(QEvent::MouseMove, QPointF(x, nearEnd.y()),
-                         w->Strip1->mapToGlobal(QPointF(x, nearEnd.y())), Qt::NoButton,
-                         Qt::LeftButton, Qt::NoModifier);
-        QApplication::sendEvent(w->Strip1, &move);
-        QTest::qWait(20);
-    }
-    QTest::mouseRelease(w->Strip1, Qt::LeftButton, {}, nearEnd);
-    expectRows(lastTexts);
+    QTest::mouseClick(w->Strip1, Qt::LeftButton, {}, nearEnd);
+    expectRows(-1);
     EXPECT_NE(w->lblCursor->text(), clickedTime);
 
     // A zoom that pulls the cursor into the window leaves the read-outs as they were.
@@ -273,7 +258,7 @@ TEST_F(ChartView, ClickAndDragInTheChartRefreshEveryRowAndTheStatusBar) {
     EXPECT_GE(w->Strip1->CursorX(), w->Strip1->XViewStart());
     EXPECT_LE(w->Strip1->CursorX(), w->Strip1->XViewEnd());
     EXPECT_EQ(w->lblCursor->text(), shownTime);
-    expectRows(lastTexts);
+    expectRows(-1);
 }
 
 TEST_F(ChartView, ProgressWindowStaysEnabledWhileTheMainWindowIsDisabled) {
@@ -339,6 +324,78 @@ TEST_F(ChartView, PrintCancelledPrintsNothingAndPrintedCarriesTheSiteCaption) {
     EXPECT_TRUE(pdfText(pdf).contains("Site: AB12"));
     EXPECT_TRUE(w->Strip1->Caption().isEmpty());
     EXPECT_TRUE(dialogs.messages.empty());
+}
+
+TEST_F(ChartView, HomeZoomsAllAndEachLoadStartsANewHistoryAtItsWholeRange) {
+    writeDay("AB12", "031412", 5, 600);
+    writeDay("AB12", "031512", 5, 600);
+    load("AB12", {"031412", "031512"}, mar14, mar15);
+    StripChartModel& chart = w->Strip1->model();
+    const auto view = [&chart] { return TimeWindow{chart.xViewStart(), chart.xViewEnd()}; };
+    const TimeWindow all{w->XMin, w->XMax};
+    // The windows of the first day on the way are not views of the history.
+    EXPECT_EQ(view(), all);
+    EXPECT_FALSE(chart.backView());
+
+    w->Toolbar1_ButtonClick(QStringLiteral("plus"));
+    w->Toolbar1_ButtonMenuClick(QStringLiteral("1hour"));
+    EXPECT_NE(view(), all);
+    QTest::keyClick(w->Strip1, Qt::Key_Home);
+    EXPECT_EQ(view(), all);
+    EXPECT_EQ(chart.viewHistory().size(), 4u) << "the load's range and one view per command";
+
+    load("AB12", {"031512"}, mar15, mar15);
+    EXPECT_EQ(chart.viewHistory().size(), 1u);
+    EXPECT_EQ(view(), (TimeWindow{w->XMin, w->XMax}));
+}
+
+// Where the reference columns sit in the panel is the layout's own test.
+TEST_F(ChartView, ReferenceReadoutsFollowTheCursorAndTheReferenceAndGoWithANewLoad) {
+    loadChannels(3);
+    showWindow();
+    StatsPanel& panel = *w->picStats;
+    const int panelWidth = panel.minimumWidth();
+    EXPECT_TRUE(w->referencePanel->isHidden());
+
+    constexpr double minute = 1.0 / 1440.0;
+    w->Strip1->setCursorX(mar15 + 7 * minute);
+    w->UpdateCursorDisplay();
+    w->Strip1->model().setReferenceX(mar15 + 2 * minute);
+    EXPECT_TRUE(w->referencePanel->isVisible());
+    EXPECT_EQ(w->referencePanel->text(),
+              QString::fromUtf8("Ref: 3/15/2012 12:02:00 AM   Δt: 0:05:00"));
+    for (int k = 0; k < StatsPanel::rowCount; ++k) {
+        SCOPED_TRACE("row " + std::to_string(k));
+        const StatsRow& row = panel.rows[size_t(k)];
+        ASSERT_TRUE(row.lblRefValue && row.lblRefValue->isVisible());
+        EXPECT_EQ(row.lblRefValue->text(),
+                  k < 3 ? QString::number((k + 1) * 100 + 2) + ".00" : QStringLiteral("0.00"));
+        EXPECT_EQ(row.lblDelta->text(), k < 3 ? "5.00" : "0.00");
+    }
+    const QList<QLabel*> labels = panel.findChildren<QLabel*>();
+    for (const QString heading : {"Ref Value", "Delta"})
+        EXPECT_TRUE(std::ranges::any_of(labels, [&](const QLabel* l) {
+            return l->isVisible() && l->text() == heading;
+        })) << heading.toStdString();
+    EXPECT_GT(panel.minimumWidth(), panelWidth);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return w->Strip1->width() >= panel.minimumWidth(); }, 1000))
+        << "the chart column makes room for the columns";
+
+    // A click moves the cursor: the time difference and the deltas follow it.
+    const QRectF plot = w->Strip1->plotArea();
+    QTest::mouseClick(w->Strip1, Qt::LeftButton, {},
+                      QPoint(int(plot.left() + plot.width() * 0.95), int(plot.center().y())));
+    const double cursorShown = panel.rows[0].lblCursorValue->text().toDouble();
+    EXPECT_GE(cursorShown, 108.0);
+    EXPECT_EQ(panel.rows[0].lblDelta->text(), QString::number(cursorShown - 102.0, 'f', 2));
+    EXPECT_FALSE(w->referencePanel->text().endsWith("0:05:00"));
+
+    // A new load takes the reference away: it belonged to the data it was set on.
+    loadChannels(3);
+    EXPECT_FALSE(w->Strip1->model().referenceX());
+    EXPECT_TRUE(w->referencePanel->isHidden());
+    EXPECT_TRUE(panel.rows[0].lblRefValue->isHidden());
+    EXPECT_EQ(panel.minimumWidth(), panelWidth);
 }
 
 TEST(AboutBox, ClosesOnAKeyOrThePictureButNotOnItsVersionText) {

@@ -1,5 +1,5 @@
-// The history column through the main window: the event list and comment grid after a load,
-// adding a comment, and moving the chart to an event or comment.
+// The history column through the main window: the event list, the comment grid and the chart's
+// markers after a load, adding a comment, and moving the chart to an event or comment.
 #include "mainwindowtest.h"
 
 #include <QApplication>
@@ -8,9 +8,12 @@
 #include <QHeaderView>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QStatusBar>
 #include <QTableWidget>
 #include <algorithm>
+#include <functional>
+#include <tuple>
 
 namespace trendax::test {
 namespace {
@@ -38,9 +41,22 @@ protected:
                        w->gridHistoryEvents->item(r, 1)->text();
         return out;
     }
+
+    // Source, row and text of every chart marker in time order.
+    QStringList markers() const {
+        QStringList out;
+        const EventMarkers& m = w->Strip1->eventMarkers();
+        for (std::size_t i = 0; i < m.size(); ++i)
+            out << QString(m.at(i).source == MarkerSource::Comment ? "comment %1 %2"
+                                                                   : "event %1 %2")
+                       .arg(m.at(i).index)
+                       .arg(m.at(i).text);
+        return out;
+    }
 };
 
-TEST_F(HistoryColumn, ALoadListsTheDaysEventsAndTheSortedComments) {
+// The undecodable history line repeats the entry before it.
+TEST_F(HistoryColumn, ALoadListsTheDaysEventsAndTheSortedCommentsAndMarksThemOnTheChart) {
     loadSite();
     loadSite(); // a second load starts from empty lists
     EXPECT_EQ(w->lstHST->entries(),
@@ -50,6 +66,11 @@ TEST_F(HistoryColumn, ALoadListsTheDaysEventsAndTheSortedComments) {
     EXPECT_EQ(gridRows(),
               (QStringList{"01/02/2013 10:00:00|new year", "03/15/2012 09:00:00|b\tsecond",
                            "12/31/2011 08:00:00|old year"}));
+    EXPECT_EQ(
+        markers(),
+        (QStringList{"comment 2 old year", "comment 1 b\tsecond",
+                     "event 0 03/15/12 10:22:33 - Overload", "event 1 03/15/12 10:22:33 - Overload",
+                     "event 2 03/15/12 11:00:00 - Power Failed", "comment 0 new year"}));
 }
 
 TEST_F(HistoryColumn, AddCommentAsksNothingWithoutASiteAndStoresTheAnswerByteForByte) {
@@ -73,6 +94,10 @@ TEST_F(HistoryColumn, AddCommentAsksNothingWithoutASiteAndStoresTheAnswerByteFor
     EXPECT_TRUE(rows.contains(datetime::formatGeneral(mar15 + 0.5) + "|pump, \"ok\"\tcaf\u00e9"));
     EXPECT_TRUE(std::is_sorted(rows.begin(), rows.end()));
     EXPECT_TRUE(dialogs.messages.empty());
+    // The new comment is marked at the cursor's time, under its row in the sorted grid.
+    EXPECT_EQ(markers().filter(QRegularExpression("^comment")),
+              (QStringList{"comment 2 old year", "comment 1 b\tsecond",
+                           "comment 3 pump, \"ok\"\tcaf\u00e9", "comment 0 new year"}));
 }
 
 TEST_F(HistoryColumn, AFailedAppendTakesTheRowBackAndSaysWhy) {
@@ -107,6 +132,39 @@ TEST_F(HistoryColumn, AnEventCentresTheViewKeepingItsSpan) {
     EXPECT_DOUBLE_EQ(w->Strip1->CursorX(), t);
     EXPECT_FALSE(w->StatusBar1->currentMessage().isEmpty());
     EXPECT_TRUE(dialogs.messages.empty());
+}
+
+TEST_F(HistoryColumn, AClickOnAMarkersFlagEndsWhereAClickOnItsRowEnds) {
+    loadSite();
+    showWindow();
+    struct Row {
+        const char* name;
+        double time;
+        std::function<void()> clickRow;
+    };
+    const Row rows[] = {
+        {"PowerFailedEvent", mar15 + 11.0 / 24, [&] { w->lstHST_Click(2); }},
+        {"Comment", mar15 + 9.0 / 24, [&] { w->gridHistoryEvents_Click(1); }},
+    };
+    // Window, cursor and status bar text after an action from the same starting view.
+    const auto endsAt = [&](const std::function<void()>& action) {
+        w->Strip1->ShowXRange(mar15, mar15 + 1);
+        w->Strip1->setCursorX(mar15 + 0.9);
+        action();
+        return std::tuple(w->Strip1->XViewStart(), w->Strip1->XViewEnd(), w->Strip1->CursorX(),
+                          w->statusPanels[1]->text());
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto byFlag = endsAt([&] {
+            const QRectF plot = w->Strip1->plotArea(); // the window is 03/15/12
+            const QPoint flag(int(std::floor(plot.left() + (row.time - mar15) * plot.width())) + 3,
+                              int(plot.top()) + 3);
+            QTest::mouseClick(w->Strip1, Qt::LeftButton, Qt::NoModifier, flag);
+        });
+        EXPECT_EQ(byFlag, endsAt(row.clickRow));
+        EXPECT_DOUBLE_EQ(std::get<2>(byFlag), row.time);
+    }
 }
 
 TEST_F(HistoryColumn, HoverShowsTheCommentAndAClickUsesTheClickedRow) {

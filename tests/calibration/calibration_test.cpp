@@ -1,7 +1,6 @@
 // The calibration arithmetic beyond the dialog's worked examples, and the factor files.
 #include "calibration/calibration.h"
 #include "calibration/factorfiles.h"
-#include "support/fulldisk.h"
 #include "support/scratchfolder.h"
 
 #include <QDir>
@@ -86,19 +85,6 @@ TEST_F(FactorFiles, ImportedUpperCaseNamesAreReadAndReplaced) {
     EXPECT_EQ(app.read("cnffiles/AB12SCAL.TXT"), QByteArray("2\r\n"));
     EXPECT_EQ(app.read("cnffiles/AB12OFFS.TXT"), QByteArray("-1\r\n"));
     EXPECT_EQ(QDir(app.file("cnffiles")).entryList(QDir::Files).size(), 2);
-}
-
-TEST_F(FactorFiles, FullDiskKeepsOldScaleFile) {
-    test::FullDisk disk(app.file("cnffiles"));
-    SCOPED_TRACE(disk.how());
-    app.write("cnffiles/AB12scal.txt", "2\r\n");
-    app.write("cnffiles/AB12offs.txt", "7\r\n");
-    read();
-    disk.fill();
-    // The writer stops at the scale file: the caller then reloads nothing.
-    EXPECT_FALSE(WriteFactors(scalePath, "3", offsetPath, "-1"));
-    EXPECT_EQ(app.read("cnffiles/AB12scal.txt"), QByteArray("2\r\n"));
-    EXPECT_EQ(app.read("cnffiles/AB12offs.txt"), QByteArray("7\r\n"));
 }
 
 TEST_F(FactorFiles, SymlinkedScaleFileIsReplacedNotWrittenThrough) {
