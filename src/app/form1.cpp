@@ -225,7 +225,7 @@ void Form1::buildMenus() {
     popup1 = bar->addMenu(QStringLiteral("popup1"));
     mnuStripChartSettings = popup1->addAction(QStringLiteral("Strip Chart Settings"));
     connect(mnuStripChartSettings, &QAction::triggered, this,
-            [this] { Strip1->ShowSettingsDialog(); });
+            [this] { Strip1->ShowSettingsDialog(dialogs()); });
 
     popup2 = bar->addMenu(QStringLiteral("popup2"));
     mnuQuillChannelsMenu = popup2->addMenu(QStringLiteral("Quill Channels"));
@@ -305,7 +305,7 @@ void Form1::keyPressEvent(QKeyEvent*) {}
 
 void Form1::showAbout() {
     frmSplash splash(this);
-    splash.exec();
+    dialogs().runModal(splash);
 }
 
 // ---- Toolbar and menus ----

@@ -10,6 +10,7 @@
 #include "loading/dlgprogress.h"
 #include "loading/wellload.h"
 #include "opendlg/dlgopen.h"
+#include "storage/dialogs.h"
 #include "storage/environment.h"
 #include "storage/programtitle.h"
 
@@ -137,7 +138,7 @@ void Form1::OpenSite(const QStringList& dropped) {
     if (!lastSiteFolder.isEmpty())
         dialog->setDir1Path(lastSiteFolder);
     dialog->importWhenShown(dropped);
-    dialog->exec();
+    dialogs().runModal(*dialog);
     if (QTreeWidgetItem* site = dialog->SelectedSite) {
         lastSiteFolder = site->data(0, dlgOpen::TagRole).toString();
         CopySelectedNode(site, dialog->startDate(), dialog->endDate());

@@ -1,9 +1,9 @@
 #include "chart/chartsettingsdialog.h"
 
+#include "storage/dialogs.h"
 #include "storage/qtcolor.h"
 
 #include <QCheckBox>
-#include <QColorDialog>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QPushButton>
@@ -12,7 +12,8 @@
 
 namespace trendax {
 
-ChartSettingsDialog::ChartSettingsDialog(QWidget* parent) : QDialog(parent) {
+ChartSettingsDialog::ChartSettingsDialog(Dialogs& dialogs, QWidget* parent)
+    : QDialog(parent), dialogs_(dialogs) {
     setWindowTitle(tr("Chart Settings"));
     chkGridLines = new QCheckBox(tr("Show grid lines"), this);
     spnLineWidth = new QSpinBox(this);
@@ -67,9 +68,8 @@ void ChartSettingsDialog::setBackColor(PackedColor color) {
 }
 
 void ChartSettingsDialog::cmdBackColor_Click() {
-    const QColor chosen = QColorDialog::getColor(toQColor(backColor_), this, tr("Background"));
-    if (chosen.isValid())
-        setBackColor(toPackedColor(chosen));
+    if (const auto chosen = dialogs_.chooseColor(this, toQColor(backColor_), tr("Background")))
+        setBackColor(toPackedColor(*chosen));
 }
 
 } // namespace trendax

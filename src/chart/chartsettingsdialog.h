@@ -12,6 +12,8 @@ class QDialogButtonBox;
 
 namespace trendax {
 
+class Dialogs;
+
 // What the chart's settings dialog edits.
 struct ChartSettings {
     ChartAppearance appearance;
@@ -21,14 +23,14 @@ struct ChartSettings {
 };
 
 // The chart's own settings dialog: grid lines, curve line width, background colour, event markers
-// and recording gaps. It only
-// edits a ChartSettings value; the chart applies it when the dialog is accepted, so the dialog
-// can be built and driven without a chart and without exec().
+// and recording gaps. It only edits a ChartSettings value; the chart applies it when the dialog
+// is accepted, so the dialog can be built and driven without a chart and without exec(). The
+// background's colour chooser is asked through dialogs.
 class ChartSettingsDialog : public QDialog {
     Q_OBJECT
 
 public:
-    explicit ChartSettingsDialog(QWidget* parent = nullptr);
+    explicit ChartSettingsDialog(Dialogs& dialogs, QWidget* parent = nullptr);
 
     void setSettings(const ChartSettings& settings);
     ChartSettings settings() const;
@@ -45,6 +47,7 @@ public:
 private:
     void cmdBackColor_Click();
 
+    Dialogs& dialogs_;
     QCheckBox* chkGridLines = nullptr;
     QSpinBox* spnLineWidth = nullptr;
     QCheckBox* chkEventMarkers = nullptr;

@@ -10,6 +10,7 @@
 #include "chart/timeticks.h"
 #include "chart/valueticks.h"
 #include "chart/viewmoves.h"
+#include "storage/dialogs.h"
 #include "storage/qtcolor.h"
 
 #include <QFontMetricsF>
@@ -1178,10 +1179,10 @@ void StripChart::setLegendNames(const QStringList& names) {
     d->legendNames = names;
 }
 
-void StripChart::ShowSettingsDialog() {
-    ChartSettingsDialog dialog(this);
+void StripChart::ShowSettingsDialog(Dialogs& dialogs) {
+    ChartSettingsDialog dialog(dialogs, this);
     dialog.setSettings(settings());
-    if (dialog.exec() == QDialog::Accepted)
+    if (dialogs.runModal(dialog))
         applySettings(dialog.settings());
 }
 

@@ -18,6 +18,7 @@ class QPrinter;
 
 namespace trendax {
 
+class Dialogs;
 class StripChartModel;
 struct ChartSettings;
 
@@ -95,7 +96,8 @@ public:
     // The same onto any painter whose device has the given resolution (dots per inch).
     void PrintChart(QPainter& painter, double dpi, double left, double top, double width,
                     double height);
-    void ShowSettingsDialog();
+    // The settings dialog, shown through dialogs; its settings apply when it is accepted.
+    void ShowSettingsDialog(Dialogs& dialogs);
     // The channel names a printed legend shows, by variable; where one is missing or empty the
     // variable's name stands.
     void setLegendNames(const QStringList& names);

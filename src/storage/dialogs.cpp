@@ -32,6 +32,10 @@ std::optional<QColor> SystemDialogs::chooseColor(QWidget* parent, const QColor& 
     return chosen;
 }
 
+bool SystemDialogs::runModal(QDialog& dialog) {
+    return dialog.exec() == QDialog::Accepted;
+}
+
 bool SystemDialogs::choosePrinter(QWidget* parent, QPrinter& printer) {
     QPrintDialog dialog(&printer, parent);
     return dialog.exec() == QDialog::Accepted;

@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <optional>
 
+class QDialog;
 class QPrinter;
 class QWidget;
 
@@ -35,6 +36,8 @@ public:
     // text on cancel. Asks before replacing an existing file.
     virtual QString chooseSaveFile(QWidget* parent, const QString& title, const QString& suggested,
                                    const QStringList& filters) = 0;
+    // One of the program's own dialogs, shown modally; true when it was accepted.
+    virtual bool runModal(QDialog& dialog) = 0;
 };
 
 // The real dialogs of the desktop.
@@ -50,6 +53,7 @@ public:
     bool choosePrinter(QWidget* parent, QPrinter& printer) override;
     QString chooseSaveFile(QWidget* parent, const QString& title, const QString& suggested,
                            const QStringList& filters) override;
+    bool runModal(QDialog& dialog) override;
 };
 
 } // namespace trendax

@@ -9,7 +9,6 @@
 #include <QFile>
 #include <QImage>
 #include <QProgressBar>
-#include <QTimer>
 
 namespace trendax::test {
 namespace {
@@ -193,16 +192,19 @@ protected:
     // the media when asked to.
     void open(bool import, const std::function<void(dlgOpen&)>& drive) {
         bool driven = false;
-        QTimer::singleShot(0, [&] {
-            auto* dialog = dynamic_cast<dlgOpen*>(QApplication::activeModalWidget());
-            ASSERT_NE(dialog, nullptr);
-            driven = true;
+        dialogs.modalAnswers.push_back([&](QDialog& shown) {
+            auto* dialog = dynamic_cast<dlgOpen*>(&shown);
+            driven = dialog != nullptr;
+            if (!dialog)
+                return false;
+            dialog->show(); // as when it is run for real: showing it imports what was dropped
             if (import) {
                 dialogs.messageAnswers.push_back(QMessageBox::No); // keep the originals
-                ASSERT_TRUE(dialog->setDir1Path(media.path()));
+                EXPECT_TRUE(dialog->setDir1Path(media.path()));
                 dialog->cmdImport_Click();
             }
             drive(*dialog);
+            return dialog->result() == QDialog::Accepted;
         });
         w->Toolbar1_ButtonClick(QStringLiteral("open"));
         EXPECT_TRUE(driven);

@@ -2,6 +2,7 @@
 #include "chart/chartsettingsdialog.h"
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
+#include "support/scripteddialogs.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -43,11 +44,14 @@ protected:
 
     // Through the settings dialog's two switches.
     void setAppearance(bool markers, bool bridge) {
-        ChartSettingsDialog dialog;
-        dialog.setSettings(chart.settings());
-        dialog.eventMarkersBox()->setChecked(markers);
-        dialog.bridgeGapsBox()->setChecked(bridge);
-        chart.applySettings(dialog.settings());
+        test::ScriptedDialogs dialogs;
+        dialogs.modalAnswers.push_back([&](QDialog& d) {
+            auto& dialog = static_cast<ChartSettingsDialog&>(d);
+            dialog.eventMarkersBox()->setChecked(markers);
+            dialog.bridgeGapsBox()->setChecked(bridge);
+            return true;
+        });
+        chart.ShowSettingsDialog(dialogs);
     }
 
     const std::vector<EventMarker> markers{

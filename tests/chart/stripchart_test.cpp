@@ -2,6 +2,7 @@
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
 #include "chartfixtures.h"
+#include "support/scripteddialogs.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -177,19 +178,30 @@ TEST_F(ExtremeViews, PaintAndPrintWithoutOverflow) {
     }
 }
 
-TEST(ChartSettingsDialog, EditedSettingsReachTheChart) {
-    ChartSettingsDialog dialog;
-    dialog.setSettings({{true, 2}, 0xD2FFFF});
-    dialog.gridLinesBox()->setChecked(false);
-    dialog.lineWidthBox()->setValue(3);
-    dialog.setBackColor(0x102030);
-    dialog.buttons()->button(QDialogButtonBox::Ok)->click();
-    EXPECT_EQ(dialog.result(), QDialog::Accepted);
-    const ChartSettings edited{{false, 3}, 0x102030};
-    EXPECT_EQ(dialog.settings(), edited);
-    StripChart chart;
-    chart.applySettings(edited);
-    EXPECT_EQ(std::pair(chart.settings(), chart.BackColor()), std::pair(edited, 0x102030u));
+// The chart's settings dialog, filled in the way a user would: the colour button asks the colour
+// chooser, and only an accepted dialog changes the chart.
+TEST(ChartSettingsDialog, EditedSettingsReachTheChartOnlyWhenAccepted) {
+    for (const bool accepted : {true, false}) {
+        SCOPED_TRACE(accepted ? "accepted" : "cancelled");
+        test::ScriptedDialogs dialogs;
+        dialogs.colorAnswers = {QColor(0x30, 0x20, 0x10)}; // packed as BGR: 0x102030
+        dialogs.modalAnswers.push_back([accepted](QDialog& d) {
+            auto& dialog = static_cast<ChartSettingsDialog&>(d);
+            dialog.gridLinesBox()->setChecked(false);
+            dialog.lineWidthBox()->setValue(3);
+            dialog.backColorButton()->click();
+            dialog.buttons()
+                ->button(accepted ? QDialogButtonBox::Ok : QDialogButtonBox::Cancel)
+                ->click();
+            return dialog.result() == QDialog::Accepted;
+        });
+        StripChart chart;
+        const ChartSettings before = chart.settings();
+        chart.ShowSettingsDialog(dialogs);
+        EXPECT_EQ(dialogs.colorTitles, QStringList{"Background"});
+        const ChartSettings edited{{false, 3}, 0x102030};
+        EXPECT_EQ(chart.settings(), accepted ? edited : before);
+    }
 }
 
 } // namespace

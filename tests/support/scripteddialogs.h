@@ -2,9 +2,11 @@
 
 #include "storage/dialogs.h"
 
+#include <QDialog>
 #include <QPrinter>
 #include <QStringList>
 #include <deque>
+#include <functional>
 #include <vector>
 
 namespace trendax::test {
@@ -47,6 +49,11 @@ public:
         saveTitles << title;
         return take(saveAnswers, QString());
     }
+    bool runModal(QDialog& dialog) override {
+        modalTitles << dialog.windowTitle();
+        const auto answer = take(modalAnswers, std::function<bool(QDialog&)>());
+        return answer && answer(dialog);
+    }
 
     struct Message {
         QString text;
@@ -70,6 +77,9 @@ public:
     // Paths to answer save dialogs with; none cancels.
     std::deque<QString> saveAnswers;
     QStringList saveTitles;
+    // Fill in one of the program's dialogs and say whether it is accepted; none rejects it.
+    std::deque<std::function<bool(QDialog&)>> modalAnswers;
+    QStringList modalTitles;
 
 private:
     // The next queued answer, or fallback when none is left.
