@@ -146,6 +146,7 @@ void interact(Form1& w) {
     StripChart& chart = *w.Strip1;
     chart.resize(1920, 1080);
     QImage image(1920, 1080, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::white); // a window's own pixels are there before the chart paints into them
     const double first = w.XMin, last = w.XMax;
     // The window thread's processor time of a step: on a machine shared with other work the
     // wall time says more about the others than about the step.
