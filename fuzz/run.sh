@@ -3,7 +3,9 @@
 # prints one line per target: its executions, and its findings (crash, leak, time-out and
 # out-of-memory files that libFuzzer left in build/fuzz/findings/).
 # Usage: fuzz/run.sh [seconds per target, default 60] [target...]
-# With RUNS=N in the environment a target stops after N executions or the seconds, which first.
+# With RUNS=N in the environment a target stops after N executions or the seconds, which first;
+# TIMEOUT=S sets the seconds an input may take before it counts as a time-out (25; give more
+# on a machine busy with other work, where a target at low priority can wait that long).
 set -eu
 seconds=${1:-60}
 runs_limit=${RUNS:--1}
@@ -47,7 +49,7 @@ for target in $targets; do
     before=$(ls "$build/findings" | grep -Ec "^$target-(crash|leak|timeout|oom)-" || true)
     # Leaks are checked: the targets free what they make.
     status=0
-    "$binary" -max_total_time="$seconds" -runs="$runs_limit" -rss_limit_mb=2048 -timeout=25 \
+    "$binary" -max_total_time="$seconds" -runs="$runs_limit" -rss_limit_mb=2048 -timeout="${TIMEOUT:-25}" \
         -print_final_stats=1 \
         -artifact_prefix="$build/findings/$target-" "$work" "$seeds" >"$log" 2>&1 || status=$?
     after=$(ls "$build/findings" | grep -Ec "^$target-(crash|leak|timeout|oom)-" || true)
