@@ -209,6 +209,27 @@ TEST(StripChartModelCurve, ManyPointsReduceToFourPerColumnAndKeepSpikes) {
     EXPECT_NEAR(mapping.toX(hi->first), mapping.toX(45000.0 + 123'457.0 / 86400.0), 1.0);
 }
 
+// A rising line: each column starts at its lowest point and ends at its highest, whichever level
+// of the summaries its ends are read from (columns of 125 to 125,000 points).
+TEST(StripChartModelCurve, ColumnEndsComeFromTheirOwnPointsAtEveryZoom) {
+    StripChartModel m;
+    m.setMaxBufferSize(1'000'000);
+    const std::size_t n = 500'000;
+    m.addXYArray(0, secondsArray(45000.0, 0, n, [](std::size_t i) { return double(i); }));
+    for (const double width : {4000.0, 400.0, 40.0, 4.0}) {
+        SCOPED_TRACE(width);
+        const Points out = curveOf(m, {45000.0, 45000.0 + double(n) / 86400.0, 0.0, width});
+        ASSERT_EQ(out.size() % 4, 0u);
+        for (std::size_t c = 0; c < out.size(); c += 4) {
+            ASSERT_EQ(out[c].second, out[c + 1].second) << "first is the minimum, column " << c / 4;
+            ASSERT_EQ(out[c + 2].second, out[c + 3].second) << "last is the maximum";
+            if (c > 0) {
+                ASSERT_EQ(out[c].second, out[c - 1].second + 1.0) << "no point between columns";
+            }
+        }
+    }
+}
+
 TEST(BlockPool, HandsOutDistinctAlignedBlocksAndUnmapsOnlyFreeRegions) {
     BlockPool pool;
     std::vector<void*> blocks;
