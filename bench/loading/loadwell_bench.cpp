@@ -133,12 +133,17 @@ struct Step {
     double span = 0;
 };
 
-// Median and worst of a set of steps, with the window of the worst.
+// Median, 95th percentile and worst of a set of steps, with the window of the worst and how many
+// took 16 ms or more.
 void printTimings(const char* what, std::vector<Step> steps) {
     std::sort(steps.begin(), steps.end(), [](const Step& a, const Step& b) { return a.ms < b.ms; });
     const Step& worst = steps.back();
-    std::printf("%s: median %.2f ms, worst %.2f ms (a window of %.4g h) over %zu\n", what,
-                steps[steps.size() / 2].ms, worst.ms, worst.span * 24, steps.size());
+    const auto slow =
+        std::count_if(steps.begin(), steps.end(), [](const Step& s) { return s.ms >= 16.0; });
+    std::printf("%s: median %.2f ms, 95th percentile %.2f ms, worst %.2f ms (a window of %.4g h), "
+                "%td of %zu at 16 ms or more\n",
+                what, steps[steps.size() / 2].ms, steps[steps.size() * 95 / 100].ms, worst.ms,
+                worst.span * 24, slow, steps.size());
 }
 
 // Repaints, scroll and zoom steps and statistics refreshes of the loaded chart at 1920 x 1080.

@@ -170,8 +170,10 @@ void StripChartModel::setMaxBufferSize(int points) {
         enforceLimit(*s);
         dropped = dropped || s->count() != before;
     }
-    if (dropped)
+    if (dropped) {
+        ++pointsRevision_;
         curvesChanged();
+    }
 }
 
 void StripChartModel::setTrackCount(int tracks) {
@@ -412,6 +414,7 @@ void StripChartModel::addXYArray(int k, const XYArray& array) {
     s.summary.update(s.y);
     s.invalidate();
     enforceLimit(s);
+    ++pointsRevision_;
     curvesChanged();
 }
 
@@ -455,6 +458,7 @@ void StripChartModel::releaseTimeBlocks(const std::shared_ptr<TimeColumn>& colum
 void StripChartModel::clearData() {
     for (auto& s : series_)
         resetSeries(*s);
+    ++pointsRevision_;
     curvesChanged();
 }
 

@@ -84,6 +84,8 @@ public:
     void setChangeListener(std::function<void(Change)> listener);
     // Grows with every change of what the curve layer shows (not with cursor moves).
     std::uint64_t curveRevision() const { return revision_; }
+    // Grows with every change of the points themselves: added, dropped or cleared.
+    std::uint64_t pointsRevision() const { return pointsRevision_; }
 
     // ---- Chart-wide state ----
     int maxBufferSize() const { return maxBufferSize_; }
@@ -232,6 +234,7 @@ private:
 
     std::function<void(Change)> listener_;
     std::uint64_t revision_ = 0;
+    std::uint64_t pointsRevision_ = 0;
 
     int maxBufferSize_ = 20000;
     int trackCount_ = 1;

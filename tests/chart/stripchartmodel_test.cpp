@@ -384,5 +384,52 @@ TEST(Imbalance, PeakOverTheWindow) {
     }
 }
 
+// The status read-out's peak, made from the peaks of runs of instants, is the plain scan's: the
+// same largest imbalance at the same first time (whole-number currents tie often), for windows
+// that cut runs anywhere, after more points arrive and after the oldest are dropped.
+TEST(Imbalance, ReadOutPeakIsThePlainScansForEveryWindow) {
+    StripChartModel model;
+    model.setMaxBufferSize(1'000'000);
+    std::mt19937 random(7);
+    const auto addSeconds = [&](std::size_t first, std::size_t n) {
+        std::vector<double> currents(3 * (first + n));
+        std::uniform_int_distribution<int> amps(40, 60);
+        for (double& c : currents)
+            c = amps(random);
+        for (int k = 0; k < 3; ++k)
+            model.addXYArray(k, secondsArray(45000.0, first, n, [&](std::size_t i) {
+                                 return currents[3 * i + std::size_t(k)];
+                             }));
+    };
+    const QStringList names{"Phase A", "Phase B", "Phase C"};
+    imbalance::Monitor monitor;
+    const auto compareWindows = [&](std::size_t from, std::size_t to, const char* when) {
+        SCOPED_TRACE(when);
+        std::uniform_int_distribution<std::size_t> at(from, to);
+        for (int w = 0; w < 40; ++w) {
+            std::size_t a = at(random), b = at(random);
+            if (w % 4 == 0)
+                b = a + std::size_t(w) % 70; // short windows inside one or two runs
+            model.showXRange(45000.0 + double(std::min(a, b)) / 86400.0,
+                             45000.0 + double(std::max(a, b)) / 86400.0);
+            const auto read = monitor.read(model, names);
+            ASSERT_TRUE(read);
+            const auto plain = imbalance::windowPeak(model, 0, 1, 2);
+            ASSERT_EQ(read->window.has_value(), plain.has_value());
+            if (plain) {
+                ASSERT_EQ(std::pair(read->window->percent, read->window->time),
+                          std::pair(plain->percent, plain->time))
+                    << "window " << a << " to " << b;
+            }
+        }
+    };
+    addSeconds(0, 20'000);
+    compareWindows(0, 20'000, "one day");
+    addSeconds(20'000, 7'777);
+    compareWindows(0, 27'777, "more points");
+    model.setMaxBufferSize(10'001);
+    compareWindows(17'776, 27'777, "oldest dropped");
+}
+
 } // namespace
 } // namespace trendax
