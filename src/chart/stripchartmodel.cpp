@@ -590,9 +590,10 @@ const std::vector<std::size_t>& StripChartModel::columnCuts(const Series& s, std
         cc.mapping.left == mapping.left && cc.mapping.width == mapping.width &&
         cc.cuts.size() == columns + 1)
         return cc.cuts;
+    // Cuts fall on whole nodes of the largest span within a quarter of a column.
     std::size_t group = 1;
-    while (group * SummaryPyramid::fanout * 4 <= (b - a) / columns)
-        group *= SummaryPyramid::fanout;
+    for (std::size_t level = 1; SummaryPyramid::nodeSpan(level) * 4 <= (b - a) / columns; ++level)
+        group = SummaryPyramid::nodeSpan(level);
     cc.cuts.assign(columns + 1, b);
     cc.cuts[0] = a;
     // Guesses by linear interpolation between the first and last visible time.

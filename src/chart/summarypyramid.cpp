@@ -1,65 +1,56 @@
 #include "chart/summarypyramid.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace trendax {
 
 void SummaryPyramid::update(const ValueColumn& values) {
     // Level 1 from the values.
-    if (values.size() >= fanout && levels_.empty())
-        levels_.emplace_back();
-    if (levels_.empty())
-        return;
-    {
-        NodeColumn& nodes = levels_[0];
-        static_assert(ValueColumn::blockSize % fanout == 0, "a group lies inside one block");
-        for (std::size_t j = nodes.size(); j < values.size() / fanout; ++j) {
-            const double* group = &values[j * fanout];
-            // Four lanes, so that the additions do not wait for each other and the compiler can
-            // pack them; this runs once per point of a load.
-            constexpr std::size_t lanes = 4;
-            double low[lanes], high[lanes], sum[lanes];
-            for (std::size_t l = 0; l < lanes; ++l) {
-                low[l] = high[l] = group[0];
-                sum[l] = 0.0;
-            }
-            for (std::size_t i = 0; i < fanout; i += lanes) {
-                for (std::size_t l = 0; l < lanes; ++l) {
-                    const double v = group[i + l];
-                    low[l] = v < low[l] ? v : low[l];
-                    high[l] = v > high[l] ? v : high[l];
-                    sum[l] += v;
-                }
-            }
-            Node node{low[0], high[0], (sum[0] + sum[1]) + (sum[2] + sum[3]), float(group[0]),
-                      float(group[fanout - 1])};
-            for (std::size_t l = 1; l < lanes; ++l) {
-                node.low = low[l] < node.low ? low[l] : node.low;
-                node.high = high[l] > node.high ? high[l] : node.high;
-            }
-            nodes.push_back(node);
+    static_assert(ValueColumn::blockSize % leafFanout == 0, "a group lies inside one block");
+    for (std::size_t j = leaf_.size(); j < values.size() / leafFanout; ++j) {
+        const double* group = &values[j * leafFanout];
+        // Four lanes, so that the additions do not wait for each other and the compiler can
+        // pack them; this runs once per point of a load.
+        constexpr std::size_t lanes = 4;
+        double low[lanes], high[lanes], sum[lanes];
+        for (std::size_t l = 0; l < lanes; ++l) {
+            low[l] = high[l] = group[0];
+            sum[l] = 0.0;
         }
+        for (std::size_t i = 0; i < leafFanout; i += lanes) {
+            for (std::size_t l = 0; l < lanes; ++l) {
+                const double v = group[i + l];
+                low[l] = v < low[l] ? v : low[l];
+                high[l] = v > high[l] ? v : high[l];
+                sum[l] += v;
+            }
+        }
+        Node node{low[0], high[0], (sum[0] + sum[1]) + (sum[2] + sum[3]), float(group[0]),
+                  float(group[leafFanout - 1])};
+        for (std::size_t l = 1; l < lanes; ++l) {
+            node.low = low[l] < node.low ? low[l] : node.low;
+            node.high = high[l] > node.high ? high[l] : node.high;
+        }
+        leaf_.push_back(node);
     }
     // Higher levels from the level below, adding a level once the one below fills a group.
-    for (std::size_t level = 1;; ++level) {
-        const std::size_t below = levels_[level - 1].size();
-        if (below < fanout)
+    for (std::size_t level = 2; levels() >= level - 1; ++level) {
+        const std::size_t below = levelSize(level - 1);
+        if (below < upperFanout)
             break;
-        if (levels_.size() == level)
-            levels_.emplace_back();
-        const NodeColumn& lower = levels_[level - 1];
-        NodeColumn& nodes = levels_[level];
-        for (std::size_t j = nodes.size(); j < below / fanout; ++j) {
-            Node node = lower[j * fanout];
-            for (std::size_t i = j * fanout + 1; i < (j + 1) * fanout; ++i) {
-                const Node& n = lower[i];
-                node.low = std::min(node.low, n.low);
-                node.high = std::max(node.high, n.high);
-                node.sum += n.sum;
+        if (levels() == level - 1)
+            upper_.emplace_back();
+        UpperColumn& nodes = upper_[level - 2];
+        for (std::size_t j = nodes.size(); j < below / upperFanout; ++j) {
+            Node n = node(level - 1, j * upperFanout);
+            for (std::size_t i = j * upperFanout + 1; i < (j + 1) * upperFanout; ++i) {
+                const Node& m = node(level - 1, i);
+                n.low = std::min(n.low, m.low);
+                n.high = std::max(n.high, m.high);
+                n.sum += m.sum;
             }
-            node.last = lower[(j + 1) * fanout - 1].last;
-            nodes.push_back(node);
+            n.last = node(level - 1, (j + 1) * upperFanout - 1).last;
+            nodes.push_back(n);
         }
     }
 }
@@ -99,20 +90,23 @@ RangeSummary SummaryPyramid::query(const ValueColumn& values, std::size_t begin,
     if (begin >= end)
         return result;
     const std::size_t count = end - begin;
-    // Reads [a, b) of level 0 (the values) or of levels_[level - 1].
+    // Reads [a, b) of level 0 (the values) or of a level of nodes.
     auto fold = [&](std::size_t level, std::size_t a, std::size_t b) {
+        const auto nodes = [&](const Node* p, std::size_t n) { foldNodes(result, p, n); };
         if (level == 0)
             values.forEachRun(a, b,
                               [&](const double* p, std::size_t n) { foldValues(result, p, n); });
+        else if (level == 1)
+            leaf_.forEachRun(a, b, nodes);
         else
-            levels_[level - 1].forEachRun(
-                a, b, [&](const Node* p, std::size_t n) { foldNodes(result, p, n); });
+            upper_[level - 2].forEachRun(a, b, nodes);
     };
     for (std::size_t level = 0; begin < end; ++level) {
-        if (level == levels_.size()) {
+        if (level == levels()) {
             fold(level, begin, end); // no level above: read what is left
             break;
         }
+        const std::size_t fanout = level == 0 ? leafFanout : upperFanout;
         const std::size_t headEnd = std::min(end, (begin + fanout - 1) / fanout * fanout);
         const std::size_t tailBegin = std::max(headEnd, end / fanout * fanout);
         fold(level, begin, headEnd);
@@ -125,31 +119,32 @@ RangeSummary SummaryPyramid::query(const ValueColumn& values, std::size_t begin,
 }
 
 double SummaryPyramid::valueAt(const ValueColumn& values, std::size_t i) const {
-    static_assert(std::has_single_bit(fanout), "the shifts below assume a power of two");
-    constexpr unsigned bits = unsigned(std::countr_zero(fanout));
+    static_assert(leafFanout == 64 && upperFanout == 8, "the shifts below assume 64 and then 8");
     // Shifts rather than divisions: this runs twice per pixel column and curve.
-    for (std::size_t level = levels_.size(); level >= 1; --level) {
-        const unsigned shift = unsigned(bits * level);
+    for (std::size_t level = levels(); level >= 1; --level) {
+        const unsigned shift = unsigned(6 + 3 * (level - 1));
         const std::size_t mask = (std::size_t(1) << shift) - 1;
-        const NodeColumn& nodes = levels_[level - 1];
-        if ((i & mask) == 0 && (i >> shift) < nodes.size())
-            return nodes[i >> shift].first;
-        if (((i + 1) & mask) == 0 && ((i + 1) >> shift) <= nodes.size())
-            return nodes[((i + 1) >> shift) - 1].last;
+        const std::size_t size = levelSize(level);
+        if ((i & mask) == 0 && (i >> shift) < size)
+            return node(level, i >> shift).first;
+        if (((i + 1) & mask) == 0 && ((i + 1) >> shift) <= size)
+            return node(level, ((i + 1) >> shift) - 1).last;
     }
     return values[i];
 }
 
 void SummaryPyramid::releaseBefore(std::size_t index) {
-    for (NodeColumn& nodes : levels_) {
-        index /= fanout;
+    index /= leafFanout;
+    leaf_.releaseBefore(index);
+    for (UpperColumn& nodes : upper_) {
+        index /= upperFanout;
         nodes.releaseBefore(index);
     }
 }
 
 std::size_t SummaryPyramid::allocatedBytes() const {
-    std::size_t bytes = levels_.capacity() * sizeof(NodeColumn);
-    for (const NodeColumn& nodes : levels_)
+    std::size_t bytes = leaf_.allocatedBytes() + upper_.capacity() * sizeof(UpperColumn);
+    for (const UpperColumn& nodes : upper_)
         bytes += nodes.allocatedBytes();
     return bytes;
 }

@@ -36,21 +36,33 @@ struct RangeSummary {
 // Values of one series in the chart's block layout.
 using ValueColumn = ChunkedArray<double, 8192>;
 
-// Per-group minimum, maximum and sum over a value column, in levels of 64: level 1 summarises 64
-// values, level 2 64 level-1 nodes, and so on. A range query reads at most 2 x 63 entries per
-// level, so statistics and per-pixel minima/maxima never scan the points themselves. A node also
-// keeps its first and last value, the ends of a pixel column. All of it costs half a byte per
-// point: a month of 13 channels is 2.6 million rows, and at sixteen values a node its summaries
-// took 70 MB beside the 290 MB of points, enough to push a month's load past the memory a
-// laptop can spare for it; a repaint at zoom-all still reads whole nodes of the upper levels.
+// Per-group minimum, maximum and sum over a value column: level 1 summarises 64 values, and every
+// level above it 8 nodes of the level below. A range query reads at most 2 x 63 values and
+// 2 x 7 nodes per level, so statistics and per-pixel minima/maxima never scan the points
+// themselves. A node also keeps its first and last value, the ends of a pixel column.
+//
+// Level 1 costs half a byte per point: a month of 13 channels is 2.6 million rows, and at
+// sixteen values a node its summaries took 70 MB beside the 290 MB of points, enough to push a
+// month's load past the memory a laptop can spare for it. Above it the narrow levels add a
+// seventh of that, and spare a zoomed-out repaint of a year most of level 1: pixel columns of
+// a few thousand points each read whole nodes of 512 instead of up to 126 nodes of 64.
 // Only complete groups get a node, which keeps the summaries append-only.
 class SummaryPyramid {
 public:
-    static constexpr std::size_t fanout = 64;
+    static constexpr std::size_t leafFanout = 64;
+    static constexpr std::size_t upperFanout = 8;
+
+    // Values that a node of the given level (1, 2, ...) summarises.
+    static constexpr std::size_t nodeSpan(std::size_t level) {
+        return leafFanout << (3 * (level - 1));
+    }
 
     // Adds the nodes for values appended to the column since the last call.
     void update(const ValueColumn& values);
-    void clear() { levels_.clear(); }
+    void clear() {
+        leaf_.clear();
+        upper_.clear();
+    }
     // Summary of values [begin, end) of the column the pyramid was built on.
     RangeSummary query(const ValueColumn& values, std::size_t begin, std::size_t end) const;
     // values[i] for drawing, read from a node that begins or ends with it where there is one (in
@@ -72,10 +84,22 @@ private:
         float first;
         float last;
     };
-    // Blocks of the pool's size, like the values': the upper levels waste most of theirs, but
-    // they are few, and level 1 is faulted in with huge pages instead of page by page.
-    using NodeColumn = ChunkedArray<Node, 2048>;
-    std::vector<NodeColumn> levels_;
+    // Level 1 in blocks of the pool's size, like the values', faulted in with huge pages; the
+    // small upper levels in blocks of their own size from the heap.
+    using LeafColumn = ChunkedArray<Node, 2048>;
+    using UpperColumn = ChunkedArray<Node, 256>;
+
+    // Levels with nodes: 0, or 1 plus the upper ones.
+    std::size_t levels() const { return leaf_.empty() ? 0 : 1 + upper_.size(); }
+    std::size_t levelSize(std::size_t level) const {
+        return level == 1 ? leaf_.size() : upper_[level - 2].size();
+    }
+    const Node& node(std::size_t level, std::size_t j) const {
+        return level == 1 ? leaf_[j] : upper_[level - 2][j];
+    }
+
+    LeafColumn leaf_;
+    std::vector<UpperColumn> upper_;
 };
 
 } // namespace trendax
