@@ -9,6 +9,7 @@
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
 #include "history/historypanel.h"
+#include "loading/readahead.h"
 #include "storage/datetime.h"
 #include "storage/debuglog.h"
 #include "storage/dialogs.h"

@@ -41,6 +41,7 @@ class Dialogs;
 class Environment;
 class StripChart;
 class DebugLog;
+class DataLogReadAhead;
 class dlgOpen;
 class dlgProgress;
 class frmCalibrate2;
@@ -58,6 +59,9 @@ public:
 
     // ---- State that outlives a command ----
     bool bbDebugOut = false;
+    // A load parses the next day's data log on the machine's other core while this thread hands
+    // the current day to the chart; off, every day is read here, one after the other.
+    bool readAhead = true;
     qint16 numChannels = 0;
     double XMin = 0;
     double XMax = 0;
@@ -146,6 +150,8 @@ public:
     void CopySelectedNode(const QTreeWidgetItem* node, double startdate, double enddate);
     void LoadWell();
     void LoadQXL(const QString& path);
+    // Days of the last load that the read-ahead parsed.
+    int daysReadAhead() const { return daysReadAhead_; }
     // Lets pending window events run. Throttled calls (every 1000 rows, after every channel of a
     // load) run them at most every 40 ms: the window stays responsive and repaints as often as
     // anyone can see, and a fast load is not slowed down by repainting thousands of times.
@@ -270,6 +276,9 @@ private:
     QElapsedTimer eventPump_;
     // The bytes of the data log being read, kept from day to day during a load.
     QByteArray readBuffer_;
+    // The days of the running load read ahead, or null.
+    std::unique_ptr<DataLogReadAhead> readAhead_;
+    int daysReadAhead_ = 0;
     int lastBandWidth_ = 0;
     bool resizing_ = false;
     bool cursorBusy_ = false;

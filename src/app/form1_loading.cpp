@@ -8,6 +8,7 @@
 #include "chart/stripchartmodel.h"
 #include "loading/datalog.h"
 #include "loading/dlgprogress.h"
+#include "loading/readahead.h"
 #include "loading/wellload.h"
 #include "opendlg/dlgopen.h"
 #include "storage/dialogs.h"
@@ -61,7 +62,34 @@ void Form1::LoadQXL(const QString& path) {
     };
 
     // A file that cannot be opened throws and ends the whole load.
-    const DataLogResult result = readDataLog(path, environment().appFolder(), state, options);
+    announceDataLog(path, environment().appFolder(), options);
+    DataLogResult result;
+    std::optional<DataLogReadAhead::Day> day;
+    if (readAhead_) {
+        // While the worker finishes the day, its progress shows and the window's events run as
+        // they would if this thread were reading.
+        qsizetype shownRow = -1;
+        day = readAhead_->take(path, state, [&](qsizetype row, qsizetype rowCount) {
+            if (row > shownRow && rowCount >= 0) {
+                options.progress(row, rowCount);
+                shownRow = row;
+            }
+            LetEventsRun(true);
+        });
+        if (day) {
+            options.opened();
+            for (const QString& line : day->lines)
+                DebugOut(line);
+            for (qsizetype row = shownRow < 0 ? 0 : shownRow + 1000; row < day->result.rowCount;
+                 row += 1000)
+                options.progress(row, day->result.rowCount);
+            state = day->state;
+            result = std::move(day->result);
+            ++daysReadAhead_;
+        }
+    }
+    if (!day)
+        result = openDataLog(path, state, options);
 
     // The last day's bytes go before its points join the chart, where the load's memory peaks;
     // until then they stay for the next day to be read into.
@@ -172,6 +200,7 @@ void Form1::LoadWell() {
         // Once for the whole load: rebuilding tens of thousands of markers per day would cost.
         UpdateEventMarkers();
         readBuffer_ = QByteArray(); // only a load needs it
+        readAhead_.reset();
         if (progress_)
             progress_->close();
         delete progress_;
@@ -215,6 +244,14 @@ void Form1::LoadWell() {
             // A window of its own: disabled together with the main window it would be greyed
             // out for the whole load.
             progress_->setEnabled(true);
+            daysReadAhead_ = 0;
+            if (readAhead) {
+                LoadState start;
+                start.mScale = mScale;
+                start.mOffset = mOffset;
+                readAhead_ = std::make_unique<DataLogReadAhead>(DataLogReadAhead::Settings{
+                    dataLogsInRange(NodeCopy), start, bbDebugOut, bbDebugOut});
+            }
         };
         hooks.loadDay = [this](int fileNumber, int count, const QString& dataLog,
                                const QString& historyFile) {

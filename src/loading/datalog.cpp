@@ -644,10 +644,17 @@ DataLogResult parseDataLog(QByteArrayView bytes, LoadState& state, const DataLog
 
 DataLogResult readDataLog(const QString& path, const QString& appFolder, LoadState& state,
                           const DataLogOptions& options) {
+    announceDataLog(path, appFolder, options);
+    return openDataLog(path, state, options);
+}
+
+void announceDataLog(const QString& path, const QString& appFolder, const DataLogOptions& options) {
     if (options.debugOut)
         options.debugOut(QStringLiteral("LoadQXL(") + path + QLatin1Char(')'));
     WriteSchemaIni(appFolder, QFileInfo(path).fileName());
+}
 
+DataLogResult openDataLog(const QString& path, LoadState& state, const DataLogOptions& options) {
     QFile file(filenames::resolve(path));
     if (!file.open(QIODevice::ReadOnly))
         throw LoadFailure((path + QStringLiteral(": ") + file.errorString()).toStdString());

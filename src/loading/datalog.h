@@ -97,6 +97,13 @@ DataLogResult parseDataLog(QByteArrayView bytes, LoadState& state,
 // parses it. A file that cannot be opened throws LoadFailure; after that nothing does.
 DataLogResult readDataLog(const QString& path, const QString& appFolder, LoadState& state,
                           const DataLogOptions& options = {});
+// The two halves of readDataLog: the start line and Schema.ini, which belong to the window's
+// thread at the moment the day is due, and opening, reading and parsing the file, which a
+// read-ahead may do earlier on a thread of its own.
+void announceDataLog(const QString& path, const QString& appFolder,
+                     const DataLogOptions& options = {});
+DataLogResult openDataLog(const QString& path, LoadState& state,
+                          const DataLogOptions& options = {});
 
 // ---- Hand-over to the chart ----
 

@@ -63,6 +63,18 @@ datetime::DateTime codeDate(const QString& code, const WellLoadHooks& hooks) {
 
 } // namespace
 
+QStringList dataLogsInRange(const NodeCopy& node) {
+    QStringList paths;
+    for (const QString& code : node.dates) {
+        const auto fdate = dateOfCode(code);
+        if (!fdate)
+            return {};
+        if (dayInRange(*fdate, node.startdate, node.enddate))
+            paths << dataLogPath(node, code);
+    }
+    return paths;
+}
+
 int runWellLoadPasses(const NodeCopy& node, const WellLoadHooks& hooks) {
     auto log = [&](const QString& message) {
         if (hooks.debugOut)

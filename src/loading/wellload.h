@@ -40,6 +40,10 @@ QString dataLogPath(const NodeCopy& node, const QString& code);
 QString historyFilePath(const NodeCopy& node, const QString& code);
 QString commentsFilePath(const QString& appFolder, const QString& siteCode);
 
+// The data logs of the date codes in range, in the order a load reads them; empty when a date
+// code is no date (such a load fails before it reads any).
+QStringList dataLogsInRange(const NodeCopy& node);
+
 // What the two passes do to the window; every hook may be left empty.
 struct WellLoadHooks {
     std::function<void(const QString&)> debugOut;

@@ -132,9 +132,11 @@ protected:
     }
     ~ThreadedLoad() override { BlockPool::shared().setHelperEnabled(true); }
 
-    Load loadAll(bool helper) {
-        BlockPool::shared().setHelperEnabled(helper);
+    // With threads, the next day is parsed and the chart's memory faulted in on other threads.
+    Load loadAll(bool threads) {
+        BlockPool::shared().setHelperEnabled(threads);
         w = std::make_unique<Form1>(env, dialogs);
+        w->readAhead = threads;
         BlockPool::shared().trim(); // free blocks of earlier windows would spare the helper
         const QString old = QDir::currentPath();
         QDir::setCurrent(scratch.path());
@@ -161,14 +163,16 @@ protected:
     const QStringList days = {"031412", "031512", "031612"};
 };
 
-TEST_F(ThreadedLoad, FaultingInAheadChangesNeitherTheDiagnosticLogNorThePoints) {
+TEST_F(ThreadedLoad, ReadingAndFaultingInAheadChangeNeitherTheDiagnosticLogNorThePoints) {
     const std::size_t regionsBefore = BlockPool::shared().helperRegions();
     const Load threaded = loadAll(true);
+    EXPECT_EQ(w->daysReadAhead(), 3);
     const std::size_t regionsAfter = BlockPool::shared().helperRegions();
     EXPECT_GT(regionsAfter, regionsBefore) << "the helper thread had nothing to do";
     const Load sequential = loadAll(false);
     EXPECT_EQ(BlockPool::shared().helperRegions(), regionsAfter);
 
+    EXPECT_EQ(w->daysReadAhead(), 0);
     ASSERT_GT(sequential.log.size(), 30);
     EXPECT_EQ(threaded.log, sequential.log);
     EXPECT_EQ(sequential.points[0].size(), 2 * 3u * 30000u);

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "loading/datalog.h"
+
+#include <QStringList>
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace trendax {
+
+// Reads and parses the data logs of a load on a thread of its own, one day ahead of the window's
+// thread, so that parsing day N + 1 runs on the machine's other core while the window hands day
+// N to the chart and reads its history.
+//
+// Nothing the user or the diagnostic log can see moves off the window's thread: the worker only
+// reads bytes and parses them into arrays, keeping its diagnostic lines for the window to write
+// when the day is due. A day read ahead is used only if the file is still the one that was read
+// (same file, size and times) and the load state it started from is the window's: otherwise the
+// window reads the day itself, as it would without a read-ahead, and the read-ahead stops.
+class DataLogReadAhead {
+public:
+    struct Settings {
+        // The data logs of the load, in the order the window will ask for them.
+        QStringList paths;
+        // The load state before the first of them.
+        LoadState state;
+        // Keep the diagnostic lines (only when the diagnostic log is on), and the table dump.
+        bool collectLines = false;
+        bool dumpTable = false;
+    };
+
+    // A day as the window's thread would have read it.
+    struct Day {
+        DataLogResult result;
+        LoadState state; // after the day
+        QStringList lines;
+    };
+
+    explicit DataLogReadAhead(Settings settings);
+    ~DataLogReadAhead();
+    DataLogReadAhead(const DataLogReadAhead&) = delete;
+    DataLogReadAhead& operator=(const DataLogReadAhead&) = delete;
+
+    // The day of path when the read-ahead has it for the given state; waits for the worker to
+    // finish it, calling waiting(row, rowCount) at least every 40 ms meanwhile with the last
+    // multiple of 1000 rows that it reached (-1 before it knows the row count). nullopt: read
+    // the day on the calling thread; the read-ahead has stopped for good.
+    std::optional<Day> take(const QString& path, const LoadState& state,
+                            const std::function<void(qsizetype row, qsizetype rowCount)>& waiting);
+
+    // Waits until the worker has finished the day that take() is asked for next, or has stopped.
+    void waitAhead();
+
+    // Diagnostic lines a day may keep before the read-ahead leaves that day to the window (a
+    // log of millions of bad rows is written as it is read, not held).
+    static constexpr qsizetype lineLimit = 100'000;
+
+    // The identity of a file as the read-ahead compares it; nullopt when it cannot be read.
+    struct FileIdentity {
+        std::uint64_t device = 0, inode = 0;
+        std::int64_t size = 0, modified = 0, changed = 0;
+        bool operator==(const FileIdentity&) const = default;
+    };
+    static std::optional<FileIdentity> identityOf(const QString& path);
+
+private:
+    struct Slot {
+        bool ready = false;
+        bool usable = false;
+        std::optional<FileIdentity> identity;
+        LoadState stateBefore;
+        Day day;
+    };
+
+    void work();
+    void workDays();
+    void readOne(const QString& path, LoadState& state, QByteArray& buffer, Slot& slot);
+    void stop();
+
+    Settings settings_;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    qsizetype next_ = 0;    // index of the path take() expects next
+    bool slotFull_ = false; // the worker has a day that take() has not taken yet
+    bool finished_ = false; // the worker has returned
+    Slot slot_;
+    // The window no longer wants days from the worker; checked by the worker as it parses.
+    std::atomic<bool> stopping_ = false;
+    // The worker's progress in the day it reads.
+    std::atomic<qsizetype> row_ = -1;
+    std::atomic<qsizetype> rowCount_ = -1;
+    std::thread worker_;
+};
+
+} // namespace trendax
