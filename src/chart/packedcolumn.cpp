@@ -18,12 +18,13 @@ std::uint64_t bits(double v) {
     return std::bit_cast<std::uint64_t>(v);
 }
 
-// The nearest number of hundredths to v, or 0 where it is out of range (NaN included): the
-// caller compares the decoded value with v anyway, and 0 decodes to +0.0, which only +0.0 is.
+// The nearest number of hundredths to v, clamped to the kept range (NaN to its lower end): the
+// caller compares the decoded value with v anyway, and a clamped one never decodes to v. The
+// clamp is a plain min and max so that the compiler neither branches nor converts out of range.
 std::int32_t hundredthsOf(double v) {
     const double t = v * 100.0;
     const double r = (t + roundingShift) - roundingShift;
-    return std::int32_t(r >= -hundredthsLimit && r <= hundredthsLimit ? r : 0.0);
+    return std::int32_t(std::max(-hundredthsLimit, std::min(r, hundredthsLimit)));
 }
 
 // Encodes v as an offset from base into *out; non-zero when the offset does not decode to v.
