@@ -44,7 +44,8 @@ std::uint64_t encode32(double v, std::int32_t* out) {
 
 // Encodes the leading values of [values, values + n) that fit into out; returns how many. The
 // check of a stretch is or-ed together so the loop has no exit inside; the first misfit is
-// then found again one value at a time.
+// then found again one value at a time. GCC 12 packs the 16-bit loop, the common one, but
+// leaves the 32-bit one scalar; only segments spanning more than 327.67 take it.
 template <class Out, class Encode>
 std::size_t encodeRun(const double* values, std::size_t n, Out* out, Encode encode) {
     constexpr std::size_t stretch = 256;
