@@ -1,10 +1,14 @@
 #include "chart/stripchartmodel.h"
 
+#include "chart/chunkedarray.h"
+#include "chart/packedcolumn.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <string>
 
@@ -16,7 +20,7 @@ namespace trendax {
 // column may be longer than a variable's end when another variable sharing it has been given
 // more points already.
 struct StripChartModel::TimeColumn {
-    ValueColumn x;
+    ChunkedArray<double, 8192> x;
     // Positions i where x[i] < x[i - 1] (the controller's clock was set back), ascending.
     std::vector<std::size_t> descents;
     // The recording gaps, found as the times arrive; of use only while no time goes back.
@@ -84,7 +88,7 @@ struct StripChartModel::TimeColumn {
 
 struct StripChartModel::Series {
     std::shared_ptr<TimeColumn> time;
-    ValueColumn y; // same positions as the time column
+    PackedColumn y; // same positions as the time column
     SummaryPyramid summary;
     std::size_t begin = 0;
     std::size_t end = 0;
@@ -407,8 +411,14 @@ void StripChartModel::addXYArray(int k, const XYArray& array) {
     if (array.sharedX()) {
         s.y.append(array.data(), n);
     } else {
-        for (std::size_t i = 0; i < n; ++i)
-            s.y.push_back(array.y(i));
+        // Gathered out of the interleaved array so that they are encoded a stretch at a time.
+        double stretch[1024];
+        for (std::size_t i = 0; i < n; i += std::size(stretch)) {
+            const std::size_t m = std::min(n - i, std::size(stretch));
+            for (std::size_t j = 0; j < m; ++j)
+                stretch[j] = array.y(i + j);
+            s.y.append(stretch, m);
+        }
     }
     s.end += n;
     s.summary.update(s.y);

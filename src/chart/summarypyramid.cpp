@@ -4,35 +4,38 @@
 
 namespace trendax {
 
-void SummaryPyramid::update(const ValueColumn& values) {
-    // Level 1 from the values.
-    static_assert(ValueColumn::blockSize % leafFanout == 0, "a group lies inside one block");
-    for (std::size_t j = leaf_.size(); j < values.size() / leafFanout; ++j) {
-        const double* group = &values[j * leafFanout];
-        // Four lanes, so that the additions do not wait for each other and the compiler can
-        // pack them; this runs once per point of a load.
-        constexpr std::size_t lanes = 4;
-        double low[lanes], high[lanes], sum[lanes];
-        for (std::size_t l = 0; l < lanes; ++l) {
-            low[l] = high[l] = group[0];
-            sum[l] = 0.0;
-        }
-        for (std::size_t i = 0; i < leafFanout; i += lanes) {
+void SummaryPyramid::update(const PackedColumn& values) {
+    // Level 1 from the values, read as decoded runs.
+    static_assert(PackedColumn::runAlignment % leafFanout == 0, "a group lies inside one run");
+    const std::size_t from = leaf_.size() * leafFanout;
+    const std::size_t to = values.size() / leafFanout * leafFanout;
+    values.forEachRun(from, to, [this](const double* run, std::size_t count) {
+        for (const double* group = run; group < run + count; group += leafFanout) {
+            // Four lanes, so that the additions do not wait for each other and the compiler can
+            // pack them; this runs once per point of a load.
+            constexpr std::size_t lanes = 4;
+            double low[lanes], high[lanes], sum[lanes];
             for (std::size_t l = 0; l < lanes; ++l) {
-                const double v = group[i + l];
-                low[l] = v < low[l] ? v : low[l];
-                high[l] = v > high[l] ? v : high[l];
-                sum[l] += v;
+                low[l] = high[l] = group[0];
+                sum[l] = 0.0;
             }
+            for (std::size_t i = 0; i < leafFanout; i += lanes) {
+                for (std::size_t l = 0; l < lanes; ++l) {
+                    const double v = group[i + l];
+                    low[l] = v < low[l] ? v : low[l];
+                    high[l] = v > high[l] ? v : high[l];
+                    sum[l] += v;
+                }
+            }
+            Node node{low[0], high[0], (sum[0] + sum[1]) + (sum[2] + sum[3]), float(group[0]),
+                      float(group[leafFanout - 1])};
+            for (std::size_t l = 1; l < lanes; ++l) {
+                node.low = low[l] < node.low ? low[l] : node.low;
+                node.high = high[l] > node.high ? high[l] : node.high;
+            }
+            leaf_.push_back(node);
         }
-        Node node{low[0], high[0], (sum[0] + sum[1]) + (sum[2] + sum[3]), float(group[0]),
-                  float(group[leafFanout - 1])};
-        for (std::size_t l = 1; l < lanes; ++l) {
-            node.low = low[l] < node.low ? low[l] : node.low;
-            node.high = high[l] > node.high ? high[l] : node.high;
-        }
-        leaf_.push_back(node);
-    }
+    });
     // Higher levels from the level below, adding a level once the one below fills a group.
     for (std::size_t level = 2; levels() >= level - 1; ++level) {
         const std::size_t below = levelSize(level - 1);
@@ -84,7 +87,7 @@ template <class Node> void foldNodes(RangeSummary& r, const Node* p, std::size_t
 
 } // namespace
 
-RangeSummary SummaryPyramid::query(const ValueColumn& values, std::size_t begin,
+RangeSummary SummaryPyramid::query(const PackedColumn& values, std::size_t begin,
                                    std::size_t end) const {
     RangeSummary result;
     if (begin >= end)
@@ -118,7 +121,7 @@ RangeSummary SummaryPyramid::query(const ValueColumn& values, std::size_t begin,
     return result;
 }
 
-double SummaryPyramid::valueAt(const ValueColumn& values, std::size_t i) const {
+double SummaryPyramid::valueAt(const PackedColumn& values, std::size_t i) const {
     static_assert(leafFanout == 64 && upperFanout == 8, "the shifts below assume 64 and then 8");
     // Shifts rather than divisions: this runs twice per pixel column and curve.
     for (std::size_t level = levels(); level >= 1; --level) {

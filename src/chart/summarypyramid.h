@@ -1,6 +1,7 @@
 #pragma once
 
 #include "chart/chunkedarray.h"
+#include "chart/packedcolumn.h"
 
 #include <cstddef>
 #include <limits>
@@ -33,9 +34,6 @@ struct RangeSummary {
     double mean() const { return count ? sum / double(count) : 0.0; }
 };
 
-// Values of one series in the chart's block layout.
-using ValueColumn = ChunkedArray<double, 8192>;
-
 // Per-group minimum, maximum and sum over a value column: level 1 summarises 64 values, and every
 // level above it 8 nodes of the level below. A range query reads at most 2 x 63 values and
 // 2 x 7 nodes per level, so statistics and per-pixel minima/maxima never scan the points
@@ -58,17 +56,17 @@ public:
     }
 
     // Adds the nodes for values appended to the column since the last call.
-    void update(const ValueColumn& values);
+    void update(const PackedColumn& values);
     void clear() {
         leaf_.clear();
         upper_.clear();
     }
     // Summary of values [begin, end) of the column the pyramid was built on.
-    RangeSummary query(const ValueColumn& values, std::size_t begin, std::size_t end) const;
+    RangeSummary query(const PackedColumn& values, std::size_t begin, std::size_t end) const;
     // values[i] for drawing, read from a node that begins or ends with it where there is one (in
     // single precision): a zoomed-out repaint then stays inside the small upper levels instead of
     // touching the points.
-    double valueAt(const ValueColumn& values, std::size_t i) const;
+    double valueAt(const PackedColumn& values, std::size_t i) const;
     // Frees nodes that only cover values before index.
     void releaseBefore(std::size_t index);
     std::size_t allocatedBytes() const;

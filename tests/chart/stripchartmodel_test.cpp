@@ -142,6 +142,42 @@ TEST(StripChartModelStatistics, ViewStatisticsMatchAPlainScanOverManyBlocks) {
     }
 }
 
+TEST(StripChartModelStatistics, PackedReadingsGiveTheStatisticsOfTheOriginalDoubles) {
+    // A pump's readings in quarter steps: exact in binary, so a plain sum in any order is exact
+    // and must equal the summaries' bit for bit. A spike of 2,452.75 makes its segment widen to
+    // 32 bits part-way through, an eighth a later segment fall back to doubles.
+    std::mt19937 rng(3);
+    std::uniform_int_distribution<int> step(-8, 8);
+    std::vector<double> ys;
+    double level = 54.25;
+    for (std::size_t i = 0; i < 100'000; ++i) {
+        level = std::clamp(level + step(rng) * 0.25, 20.0, 300.0);
+        ys.push_back(i == 10'000 ? 2452.75 : i == 70'000 ? 0.125 : level);
+    }
+    StripChartModel m;
+    m.setMaxBufferSize(1'000'000);
+    m.addXYArray(0, secondsArray(45000.0, 0, 60'000, [&](std::size_t i) { return ys[i]; }));
+    m.addXYArray(0, secondsArray(45000.0, 60'000, 40'000, [&](std::size_t i) { return ys[i]; }));
+    for (const auto& [a, b] : {std::pair<std::size_t, std::size_t>{0, ys.size() - 1},
+                               {9'000, 11'000},
+                               {100, 99'000},
+                               {69'999, 70'100}}) {
+        SCOPED_TRACE(testing::Message() << "points " << a << ".." << b);
+        m.showXRange(45000.0 + double(a) / 86400.0, 45000.0 + double(b) / 86400.0);
+        const auto [lo, hi] = std::minmax_element(ys.begin() + a, ys.begin() + b + 1);
+        double sum = 0.0;
+        for (std::size_t i = a; i <= b; ++i)
+            sum += ys[i];
+        EXPECT_EQ(std::tuple(m.viewMin(0), m.viewMax(0), m.viewAvg(0)),
+                  std::tuple(*lo, *hi, sum / double(b - a + 1)));
+    }
+    double sum = 0.0;
+    for (double y : ys)
+        sum += y;
+    EXPECT_EQ(std::tuple(m.dataMin(0), m.dataMax(0), m.dataAvg(0)),
+              std::tuple(0.125, 2452.75, sum / double(ys.size())));
+}
+
 TEST(StripChartModelBuffer, LoweringOrAppendingDropsTheOldestOfSharedColumnsAndRaisingAddsNone) {
     StripChartModel m;
     m.setMaxBufferSize(100'000);
