@@ -2,7 +2,7 @@
 // factor pair being written and a data log being imported. After every kill each file must hold
 // what the writes before it left plus at most the write in flight, whole or not at all, and
 // nothing that a later run would read may be left beside it.
-// TRENDAX_CRASH_KILLS sets the number of kills per kind (tools/crash-campaign.sh raises it).
+// TRENDAX_CRASH_KILLS sets the number of kills per kind (tools/faults/crash-campaign.sh raises it).
 #include "calibration/factorfiles.h"
 #include "history/usercomments.h"
 #include "opendlg/importer.h"
@@ -89,7 +89,7 @@ void killRepeatedly(const char* kind, const QString& folder, const QStringList& 
                     const std::function<bool(long)>& write,
                     const std::function<void(const WriterRun&, long& next)>& check) {
     const char* text = std::getenv("TRENDAX_CRASH_KILLS");
-    const int kills = text && std::atoi(text) > 0 ? std::atoi(text) : 100;
+    const int kills = text && std::atoi(text) > 0 ? std::atoi(text) : 200;
     std::mt19937 random{unsigned(kills)};
     QSet<QString> strays;
     int inside = 0;
