@@ -197,6 +197,7 @@ void Form1::LoadWell() {
         // windows of the days on the way are forgotten.
         Strip1->model().restartViewHistory();
         lstHST->holdLayout(false);
+        Strip1->setCurveRepaintInterval(0);
         // Once for the whole load: rebuilding tens of thousands of markers per day would cost.
         UpdateEventMarkers();
         readBuffer_ = QByteArray(); // only a load needs it
@@ -223,6 +224,8 @@ void Form1::LoadWell() {
         // A reference time belongs to the data it was set on.
         Strip1->model().setReferenceX(std::nullopt);
         lstHST->holdLayout(true);
+        // The chart still grows day by day on screen, a few times a second.
+        Strip1->setCurveRepaintInterval(200);
         Strip1->ClearData();
 
         SiteCode = NodeCopy.text;

@@ -13,6 +13,7 @@
 #include "storage/dialogs.h"
 #include "storage/qtcolor.h"
 
+#include <QElapsedTimer>
 #include <QFontMetricsF>
 #include <QHelpEvent>
 #include <QImage>
@@ -82,6 +83,11 @@ struct StripChart::Impl {
     QPixmap layer;
     std::uint64_t layerRevision = 0;
     bool layerValid = false;
+    // Curves redrawn at most every curveRepaintInterval ms, when set; a change within it waits
+    // for the timer.
+    int curveRepaintInterval = 0;
+    QElapsedTimer lastLayerPaint;
+    QTimer deferredRepaint;
     int lastCursorPx = -1;
     std::optional<int> lastReferencePx;
     // A left press in the plot drags the cursor until the release. Positions that arrive
@@ -110,6 +116,10 @@ struct StripChart::Impl {
 
     Geometry geometry(const QRectF& area, double scale, const QFont& base) const;
     void paintBase(QPainter& p, const Geometry& g);
+    bool curvesWait() const {
+        return curveRepaintInterval > 0 && lastLayerPaint.isValid() &&
+               lastLayerPaint.elapsed() < curveRepaintInterval;
+    }
     void paintCurves(QPainter& p, const Geometry& g);
     void paintMarkers(QPainter& p, int style, const QColor& color, double scale);
     void paintGaps(QPainter& p, const Geometry& g);
@@ -583,6 +593,8 @@ StripChart::StripChart(QWidget* parent) : QWidget(parent), d(std::make_unique<Im
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMinimumSize(200, 120);
     setFocusPolicy(Qt::StrongFocus); // the navigation keys
+    d->deferredRepaint.setSingleShot(true);
+    connect(&d->deferredRepaint, &QTimer::timeout, this, [this] { update(); });
     d->model.setChangeListener([this](StripChartModel::Change change) {
         if (change == StripChartModel::Change::Reference) {
             d->updateReferenceStrips(*this);
@@ -590,7 +602,11 @@ StripChart::StripChart(QWidget* parent) : QWidget(parent), d(std::make_unique<Im
             return;
         }
         if (change != StripChartModel::Change::Cursor) {
-            update();
+            if (!d->curvesWait())
+                update();
+            else if (!d->deferredRepaint.isActive())
+                d->deferredRepaint.start(
+                    std::max(1, d->curveRepaintInterval - int(d->lastLayerPaint.elapsed())));
             return;
         }
         // A cursor move repaints two thin strips: where the cursor was and where it is now. A
@@ -605,6 +621,14 @@ StripChart::StripChart(QWidget* parent) : QWidget(parent), d(std::make_unique<Im
         update(QRect(x - 2, top, 5, height));
         d->lastCursorPx = x;
     });
+}
+
+void StripChart::setCurveRepaintInterval(int milliseconds) {
+    d->curveRepaintInterval = std::max(0, milliseconds);
+    if (d->curveRepaintInterval == 0) {
+        d->deferredRepaint.stop();
+        update();
+    }
 }
 
 StripChart::~StripChart() {
@@ -626,8 +650,9 @@ void StripChart::paintEvent(QPaintEvent* event) {
     const qreal dpr = devicePixelRatioF();
     const QSize pixels = (QSizeF(size()) * dpr).toSize();
     const Geometry g = d->geometry(QRectF(rect()), 1.0, font());
+    const bool stale = d->layerRevision != d->model.curveRevision() && !d->curvesWait();
     if (!d->layerValid || d->layer.size() != pixels || d->layer.devicePixelRatio() != dpr ||
-        d->layerRevision != d->model.curveRevision()) {
+        stale) {
         if (d->layer.size() != pixels) // reused otherwise: a full-size allocation per frame costs
             d->layer = QPixmap(pixels);
         d->layer.setDevicePixelRatio(dpr);
@@ -635,6 +660,7 @@ void StripChart::paintEvent(QPaintEvent* event) {
         d->paintBase(lp, g);
         d->layerRevision = d->model.curveRevision();
         d->layerValid = true;
+        d->lastLayerPaint.start();
     }
     QPainter p(this);
     p.setClipRegion(event->region());

@@ -54,6 +54,11 @@ public:
     void setCurrentVar(int index);
     int CurrentTrack() const;
     void setCurrentTrack(int index);
+    // While a load appends day after day the curves change far more often than anyone can
+    // follow, and a year's load would spend a fifth of its time redrawing them: with an interval
+    // the curves are redrawn at most that often (the last change always shows), 0 redraws them
+    // at every change.
+    void setCurveRepaintInterval(int milliseconds);
 
     // ---- The selected variable ----
     QString VarName() const;
