@@ -408,8 +408,10 @@ void StripChartModel::addXYArray(int k, const XYArray& array) {
         s.time->append(array);
     }
 
+    const double* appended = nullptr;
     if (array.sharedX()) {
         s.y.append(array.data(), n);
+        appended = array.data();
     } else {
         // Gathered out of the interleaved array so that they are encoded a stretch at a time.
         double stretch[1024];
@@ -421,7 +423,7 @@ void StripChartModel::addXYArray(int k, const XYArray& array) {
         }
     }
     s.end += n;
-    s.summary.update(s.y);
+    s.summary.update(s.y, appended, appended ? n : 0);
     s.invalidate();
     enforceLimit(s);
     ++pointsRevision_;

@@ -4,38 +4,59 @@
 
 namespace trendax {
 
-void SummaryPyramid::update(const PackedColumn& values) {
-    // Level 1 from the values, read as decoded runs.
-    static_assert(PackedColumn::runAlignment % leafFanout == 0, "a group lies inside one run");
-    const std::size_t from = leaf_.size() * leafFanout;
-    const std::size_t to = values.size() / leafFanout * leafFanout;
-    values.forEachRun(from, to, [this](const double* run, std::size_t count) {
-        for (const double* group = run; group < run + count; group += leafFanout) {
-            // Four lanes, so that the additions do not wait for each other and the compiler can
-            // pack them; this runs once per point of a load.
-            constexpr std::size_t lanes = 4;
-            double low[lanes], high[lanes], sum[lanes];
-            for (std::size_t l = 0; l < lanes; ++l) {
-                low[l] = high[l] = group[0];
-                sum[l] = 0.0;
-            }
-            for (std::size_t i = 0; i < leafFanout; i += lanes) {
-                for (std::size_t l = 0; l < lanes; ++l) {
-                    const double v = group[i + l];
-                    low[l] = v < low[l] ? v : low[l];
-                    high[l] = v > high[l] ? v : high[l];
-                    sum[l] += v;
-                }
-            }
-            Node node{low[0], high[0], (sum[0] + sum[1]) + (sum[2] + sum[3]), float(group[0]),
-                      float(group[leafFanout - 1])};
-            for (std::size_t l = 1; l < lanes; ++l) {
-                node.low = low[l] < node.low ? low[l] : node.low;
-                node.high = high[l] > node.high ? high[l] : node.high;
-            }
-            leaf_.push_back(node);
+void SummaryPyramid::update(const PackedColumn& values, const double* appended,
+                            std::size_t appendedCount) {
+    auto addGroup = [this](const double* group) {
+        // Four lanes, so that the additions do not wait for each other and the compiler can
+        // pack them; this runs once per point of a load.
+        constexpr std::size_t lanes = 4;
+        double low[lanes], high[lanes], sum[lanes];
+        for (std::size_t l = 0; l < lanes; ++l) {
+            low[l] = high[l] = group[0];
+            sum[l] = 0.0;
         }
-    });
+        for (std::size_t i = 0; i < leafFanout; i += lanes) {
+            for (std::size_t l = 0; l < lanes; ++l) {
+                const double v = group[i + l];
+                low[l] = v < low[l] ? v : low[l];
+                high[l] = v > high[l] ? v : high[l];
+                sum[l] += v;
+            }
+        }
+        Node node{low[0], high[0], (sum[0] + sum[1]) + (sum[2] + sum[3]), float(group[0]),
+                  float(group[leafFanout - 1])};
+        for (std::size_t l = 1; l < lanes; ++l) {
+            node.low = low[l] < node.low ? low[l] : node.low;
+            node.high = high[l] > node.high ? high[l] : node.high;
+        }
+        leaf_.push_back(node);
+    };
+
+    // Level 1: groups of older values from decoded runs, a group that straddles older and
+    // appended values gathered, and the rest straight from the appended values.
+    static_assert(PackedColumn::runAlignment % leafFanout == 0, "a group lies inside one run");
+    const std::size_t to = values.size() / leafFanout * leafFanout;
+    const std::size_t freshBegin =
+        appended ? values.size() - std::min(appendedCount, values.size()) : values.size();
+    std::size_t j = leaf_.size() * leafFanout;
+    if (const std::size_t decodedEnd = std::min(to, freshBegin / leafFanout * leafFanout);
+        j < decodedEnd) {
+        values.forEachRun(j, decodedEnd, [&](const double* run, std::size_t count) {
+            for (const double* group = run; group < run + count; group += leafFanout)
+                addGroup(group);
+        });
+        j = decodedEnd;
+    }
+    if (j < to && j < freshBegin) {
+        double group[leafFanout];
+        for (std::size_t i = 0; i < leafFanout; ++i)
+            group[i] = j + i >= freshBegin ? appended[j + i - freshBegin] : values[j + i];
+        addGroup(group);
+        j += leafFanout;
+    }
+    for (; j < to; j += leafFanout)
+        addGroup(appended + (j - freshBegin));
+
     // Higher levels from the level below, adding a level once the one below fills a group.
     for (std::size_t level = 2; levels() >= level - 1; ++level) {
         const std::size_t below = levelSize(level - 1);

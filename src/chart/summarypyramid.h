@@ -55,8 +55,11 @@ public:
         return leafFanout << (3 * (level - 1));
     }
 
-    // Adds the nodes for values appended to the column since the last call.
-    void update(const PackedColumn& values);
+    // Adds the nodes for values appended to the column since the last call. appended, when
+    // given, holds the column's last appendedCount values as they were handed in: they are read
+    // there instead of being decoded again (a division per value, for every point of a load).
+    void update(const PackedColumn& values, const double* appended = nullptr,
+                std::size_t appendedCount = 0);
     void clear() {
         leaf_.clear();
         upper_.clear();

@@ -3,6 +3,7 @@
 #include "chart/xyarray.h"
 
 #include <initializer_list>
+#include <memory>
 #include <utility>
 
 namespace trendax::test {
@@ -19,8 +20,11 @@ inline XYArray makeArray(std::initializer_list<std::pair<double, double>> points
 }
 
 // n points one second apart from day start, values from f(i).
-template <class F> XYArray secondsArray(double dayStart, std::size_t first, std::size_t n, F f) {
-    XYArray a(2, n);
+// With sharedTimes the times are a column of their own, as a data log's days hand them over.
+template <class F>
+XYArray secondsArray(double dayStart, std::size_t first, std::size_t n, F f,
+                     bool sharedTimes = false) {
+    XYArray a = sharedTimes ? XYArray(std::make_shared<std::vector<double>>(n), n) : XYArray(2, n);
     for (std::size_t i = 0; i < n; ++i) {
         a.at(0, i) = dayStart + double(first + i) / 86400.0;
         a.at(1, i) = f(first + i);

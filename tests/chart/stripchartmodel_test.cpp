@@ -115,12 +115,16 @@ TEST(StripChartModelStatistics, ViewStatisticsMatchAPlainScanOverManyBlocks) {
     std::mt19937 rng(42);
     std::normal_distribution<double> value(0.0, 10.0);
     std::vector<double> ys;
-    // Grown in uneven batches, as days of different lengths arrive.
-    for (std::size_t batch : {1u, 63u, 64u, 4000u, 1u, 70000u, 333u, 200000u}) {
+    // Grown in uneven batches, as days of different lengths arrive, in hundredths that pack;
+    // every other batch with the times in a column of their own, as a data log hands them over.
+    bool shared = false;
+    for (std::size_t batch : {1u, 63u, 64u, 4000u, 1u, 70000u, 333u, 200000u, 5u, 100u}) {
         const std::size_t first = ys.size();
         for (std::size_t i = 0; i < batch; ++i)
-            ys.push_back(value(rng));
-        m.addXYArray(0, secondsArray(45000.0, first, batch, [&](std::size_t i) { return ys[i]; }));
+            ys.push_back(std::round(value(rng) * 100.0) / 100.0);
+        m.addXYArray(0, secondsArray(
+                            45000.0, first, batch, [&](std::size_t i) { return ys[i]; }, shared));
+        shared = !shared;
     }
     std::uniform_int_distribution<std::size_t> index(0, ys.size() - 1);
     for (int round = 0; round < 200; ++round) {
