@@ -44,8 +44,7 @@ std::uint64_t encode32(double v, std::int32_t* out) {
 
 // Encodes the leading values of [values, values + n) that fit into out; returns how many. The
 // check of a stretch is or-ed together so the loop has no exit inside; the first misfit is
-// then found again one value at a time. GCC 12 packs the 16-bit loop, the common one, but
-// leaves the 32-bit one scalar; only segments spanning more than 327.67 take it.
+// then found again one value at a time. GCC 12 packs the 16-bit loop, the common one.
 template <class Out, class Encode>
 std::size_t encodeRun(const double* values, std::size_t n, Out* out, Encode encode) {
     constexpr std::size_t stretch = 256;
@@ -60,6 +59,32 @@ std::size_t encodeRun(const double* values, std::size_t n, Out* out, Encode enco
         if (differ != 0) {
             std::size_t i = 0;
             while (encode(v[i], o + i) == 0)
+                ++i;
+            return done + i;
+        }
+        done += m;
+    }
+    return n;
+}
+
+// The 32-bit form as two plain loops, rounding and then checking, which the compiler packs where
+// it leaves the one-loop form of encodeRun scalar; segments whose values spread wider than
+// 327.67 (a gauge from a few hundred to a few thousand) take it.
+std::size_t encodeRun32(const double* values, std::size_t n, std::int32_t* out) {
+    constexpr std::size_t stretch = 256;
+    std::size_t done = 0;
+    while (done < n) {
+        const std::size_t m = std::min(stretch, n - done);
+        const double* v = values + done;
+        std::int32_t* o = out + done;
+        for (std::size_t i = 0; i < m; ++i)
+            o[i] = hundredthsOf(v[i]);
+        std::uint64_t differ = 0;
+        for (std::size_t i = 0; i < m; ++i)
+            differ |= bits(PackedColumn::decode(o[i])) ^ bits(v[i]);
+        if (differ != 0) {
+            std::size_t i = 0;
+            while (bits(PackedColumn::decode(o[i])) == bits(v[i]))
                 ++i;
             return done + i;
         }
@@ -105,9 +130,8 @@ std::size_t PackedColumn::encode(Segment& s, std::size_t fill, const double* val
         while (done < n) {
             const std::size_t at = fill + done;
             const std::size_t m = std::min(n - done, perBlock32 - at % perBlock32);
-            const std::size_t took =
-                encodeRun(values + done, m, s.data<std::int32_t>(at / perBlock32) + at % perBlock32,
-                          [](double v, std::int32_t* out) { return encode32(v, out); });
+            const std::size_t took = encodeRun32(
+                values + done, m, s.data<std::int32_t>(at / perBlock32) + at % perBlock32);
             done += took;
             if (took < m)
                 break;
