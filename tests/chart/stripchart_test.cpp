@@ -121,6 +121,19 @@ TEST_F(StripChartWidget, CurvesAreDrawnInTheirBandOnlyWhileTheTrackIsShown) {
     EXPECT_GT(countPixels(chart.grab().toImage(), bottom, red), 100);
 }
 
+TEST_F(StripChartWidget, WithARepaintIntervalCurvesWaitForItAndTheLastChangeAlwaysShows) {
+    chart.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&chart));
+    chart.setVarColor(red);
+    chart.setCurveRepaintInterval(60'000);
+    const QRect plot = chart.plotArea().toRect();
+    EXPECT_GT(countPixels(chart.grab().toImage(), plot, red), 100);
+    chart.setVarVisible(false);
+    EXPECT_GT(countPixels(chart.grab().toImage(), plot, red), 100) << "redrawn within the interval";
+    chart.setCurveRepaintInterval(0);
+    EXPECT_EQ(countPixels(chart.grab().toImage(), plot, red), 0) << "the last change lost";
+}
+
 // Views and cursors far from each other, and points that are not numbers, map to pixels far
 // outside any plot or to none at all; they must neither overflow the integer pixel arithmetic
 // nor put an off-screen cursor on the plot's edge.
