@@ -197,6 +197,51 @@ void PackedColumn::append(const double* values, std::size_t n) {
     }
 }
 
+void PackedColumn::extremes(std::size_t begin, std::size_t end, double& low, double& high) const {
+    while (begin < end) {
+        const Segment& s = segments_[begin / segmentSize];
+        const std::size_t j = begin % segmentSize;
+        std::size_t n = std::min(end - begin, segmentSize - j);
+        switch (s.form) {
+        case Form::offsets16: {
+            const std::int16_t* p = s.data<std::int16_t>(0) + j;
+            std::int16_t lo = p[0], hi = p[0];
+            for (std::size_t i = 1; i < n; ++i) {
+                lo = std::min(lo, p[i]);
+                hi = std::max(hi, p[i]);
+            }
+            const double a = decode(s.base, lo), b = decode(s.base, hi);
+            low = a < low ? a : low;
+            high = b > high ? b : high;
+            break;
+        }
+        case Form::hundredths32: {
+            n = std::min(n, perBlock32 - j % perBlock32);
+            const std::int32_t* p = s.data<std::int32_t>(j / perBlock32) + j % perBlock32;
+            std::int32_t lo = p[0], hi = p[0];
+            for (std::size_t i = 1; i < n; ++i) {
+                lo = std::min(lo, p[i]);
+                hi = std::max(hi, p[i]);
+            }
+            const double a = decode(lo), b = decode(hi);
+            low = a < low ? a : low;
+            high = b > high ? b : high;
+            break;
+        }
+        default: {
+            n = std::min(n, perBlock64 - j % perBlock64);
+            const double* p = s.data<double>(j / perBlock64) + j % perBlock64;
+            for (std::size_t i = 0; i < n; ++i) {
+                low = p[i] < low ? p[i] : low;
+                high = p[i] > high ? p[i] : high;
+            }
+            break;
+        }
+        }
+        begin += n;
+    }
+}
+
 void PackedColumn::clear() {
     segments_.clear();
     segments_.shrink_to_fit();

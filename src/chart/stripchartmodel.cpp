@@ -769,7 +769,7 @@ void StripChartModel::curvePoints(int k, const TimeMapping& mapping,
                 for (std::size_t i = from; i < to; ++i)
                     emitRaw(i);
             } else {
-                emitColumn(from, to, s.summary.query(s.y, from, to),
+                emitColumn(from, to, s.summary.query(s.y, from, to, false),
                            mapping.toTime(mapping.left + double(c) + 0.5));
             }
         }

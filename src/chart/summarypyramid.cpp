@@ -108,8 +108,8 @@ template <class Node> void foldNodes(RangeSummary& r, const Node* p, std::size_t
 
 } // namespace
 
-RangeSummary SummaryPyramid::query(const PackedColumn& values, std::size_t begin,
-                                   std::size_t end) const {
+RangeSummary SummaryPyramid::query(const PackedColumn& values, std::size_t begin, std::size_t end,
+                                   bool sums) const {
     RangeSummary result;
     if (begin >= end)
         return result;
@@ -117,7 +117,9 @@ RangeSummary SummaryPyramid::query(const PackedColumn& values, std::size_t begin
     // Reads [a, b) of level 0 (the values) or of a level of nodes.
     auto fold = [&](std::size_t level, std::size_t a, std::size_t b) {
         const auto nodes = [&](const Node* p, std::size_t n) { foldNodes(result, p, n); };
-        if (level == 0)
+        if (level == 0 && !sums)
+            values.extremes(a, b, result.low, result.high);
+        else if (level == 0)
             values.forEachRun(a, b,
                               [&](const double* p, std::size_t n) { foldValues(result, p, n); });
         else if (level == 1)

@@ -64,8 +64,10 @@ public:
         leaf_.clear();
         upper_.clear();
     }
-    // Summary of values [begin, end) of the column the pyramid was built on.
-    RangeSummary query(const PackedColumn& values, std::size_t begin, std::size_t end) const;
+    // Summary of values [begin, end) of the column the pyramid was built on. Without sums only
+    // the minimum, the maximum and the count are right, which is all a pixel column draws.
+    RangeSummary query(const PackedColumn& values, std::size_t begin, std::size_t end,
+                       bool sums = true) const;
     // values[i] for drawing, read from a node that begins or ends with it where there is one (in
     // single precision): a zoomed-out repaint then stays inside the small upper levels instead of
     // touching the points.

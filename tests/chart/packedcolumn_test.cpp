@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <random>
@@ -113,6 +114,17 @@ TEST(PackedColumn, EveryValueReadsBackBitIdenticalInTheNarrowestFormItAllows) {
                         << "run value " << at;
             });
             EXPECT_EQ(at, b) << "range " << a << ".." << b;
+            // The extremes of the stored integers are those of the values they decode to.
+            double low = INFINITY, high = -INFINITY, scanLow = INFINITY, scanHigh = -INFINITY;
+            column.extremes(a, b, low, high);
+            for (std::size_t i = a; i < b; ++i) {
+                scanLow = all[i] < scanLow ? all[i] : scanLow;
+                scanHigh = all[i] > scanHigh ? all[i] : scanHigh;
+            }
+            EXPECT_EQ(std::bit_cast<std::uint64_t>(low), std::bit_cast<std::uint64_t>(scanLow))
+                << "range " << a << ".." << b;
+            EXPECT_EQ(std::bit_cast<std::uint64_t>(high), std::bit_cast<std::uint64_t>(scanHigh))
+                << "range " << a << ".." << b;
         }
     }
 }
