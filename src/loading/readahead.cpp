@@ -69,7 +69,7 @@ void DataLogReadAhead::work() {
 
 void DataLogReadAhead::waitAhead() {
     std::unique_lock lock(mutex_);
-    changed_.wait(lock, [&] { return slotFull_ || finished_ || !worker_.joinable(); });
+    changed_.wait(lock, [&] { return !ready_.empty() || finished_ || !worker_.joinable(); });
 }
 
 void DataLogReadAhead::workDays() {
@@ -78,7 +78,7 @@ void DataLogReadAhead::workDays() {
     for (qsizetype i = 0; i < settings_.paths.size(); ++i) {
         {
             std::unique_lock lock(mutex_);
-            changed_.wait(lock, [&] { return stopping_ || !slotFull_; });
+            changed_.wait(lock, [&] { return stopping_ || ready_.size() < daysAhead; });
             if (stopping_)
                 return;
         }
@@ -93,8 +93,7 @@ void DataLogReadAhead::workDays() {
             std::lock_guard lock(mutex_);
             if (stopping_)
                 return;
-            slot_ = std::move(slot);
-            slotFull_ = true;
+            ready_.push_back(std::move(slot));
             // Nothing of the next day is read until this one is taken.
             row_ = -1;
             rowCount_ = -1;
@@ -154,17 +153,16 @@ DataLogReadAhead::take(const QString& path, const LoadState& state,
             stop();
             return std::nullopt;
         }
-        while (!slotFull_) {
+        while (ready_.empty()) {
             lock.unlock();
             if (waiting)
                 waiting(row_, rowCount_);
             lock.lock();
-            if (!slotFull_)
+            if (ready_.empty())
                 changed_.wait_for(lock, std::chrono::milliseconds(40));
         }
-        slot = std::move(slot_);
-        slot_ = Slot();
-        slotFull_ = false;
+        slot = std::move(ready_.front());
+        ready_.pop_front();
         ++next_;
     }
     changed_.notify_all();

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -13,9 +14,9 @@
 
 namespace trendax {
 
-// Reads and parses the data logs of a load on a thread of its own, one day ahead of the window's
-// thread, so that parsing day N + 1 runs on the machine's other core while the window hands day
-// N to the chart and reads its history.
+// Reads and parses the data logs of a load on a thread of its own, daysAhead days ahead of the
+// window's thread, so that parsing day N + 1 runs on the machine's other core while the window
+// hands day N to the chart and reads its history.
 //
 // Nothing the user or the diagnostic log can see moves off the window's thread: the worker only
 // reads bytes and parses them into arrays, keeping its diagnostic lines for the window to write
@@ -59,6 +60,9 @@ public:
     // Diagnostic lines a day may keep before the read-ahead leaves that day to the window (a
     // log of millions of bad rows is written as it is read, not held).
     static constexpr qsizetype lineLimit = 100'000;
+    // Days parsed and not yet taken, at most. Each costs a day's arrays; two or three days ahead
+    // measured no faster than one, a year's load included.
+    static constexpr std::size_t daysAhead = 1;
 
     // The identity of a file as the read-ahead compares it; nullopt when it cannot be read.
     struct FileIdentity {
@@ -70,7 +74,6 @@ public:
 
 private:
     struct Slot {
-        bool ready = false;
         bool usable = false;
         std::optional<FileIdentity> identity;
         LoadState stateBefore;
@@ -85,10 +88,10 @@ private:
     Settings settings_;
     std::mutex mutex_;
     std::condition_variable changed_;
-    qsizetype next_ = 0;    // index of the path take() expects next
-    bool slotFull_ = false; // the worker has a day that take() has not taken yet
+    qsizetype next_ = 0; // index of the path take() expects next
+    // Days the worker has finished and take() has not taken yet, at most daysAhead.
+    std::deque<Slot> ready_;
     bool finished_ = false; // the worker has returned
-    Slot slot_;
     // The window no longer wants days from the worker; checked by the worker as it parses.
     std::atomic<bool> stopping_ = false;
     // The worker's progress in the day it reads.
