@@ -59,7 +59,11 @@ void DataLogReadAhead::stop() {
 }
 
 void DataLogReadAhead::work() {
-    workDays();
+    try {
+        workDays();
+    } catch (...) {
+        // No memory to queue a day: the window reads the days from here on itself.
+    }
     {
         std::lock_guard lock(mutex_);
         finished_ = true;
@@ -154,6 +158,11 @@ DataLogReadAhead::take(const QString& path, const LoadState& state,
             return std::nullopt;
         }
         while (ready_.empty()) {
+            if (finished_) {
+                lock.unlock();
+                stop();
+                return std::nullopt;
+            }
             lock.unlock();
             if (waiting)
                 waiting(row_, rowCount_);
