@@ -252,8 +252,8 @@ void Form1::LoadWell() {
                 LoadState start;
                 start.mScale = mScale;
                 start.mOffset = mOffset;
-                readAhead_ = std::make_unique<DataLogReadAhead>(DataLogReadAhead::Settings{
-                    dataLogsInRange(NodeCopy), start, bbDebugOut, bbDebugOut});
+                readAhead_ = std::make_unique<DataLogReadAhead>(
+                    DataLogReadAhead::Settings{dataLogsInRange(NodeCopy), start, bbDebugOut});
             }
         };
         hooks.loadDay = [this](int fileNumber, int count, const QString& dataLog,

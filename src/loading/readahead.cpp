@@ -116,7 +116,7 @@ void DataLogReadAhead::readOne(const QString& path, LoadState& state, QByteArray
     bool tooManyLines = false;
     DataLogOptions options;
     options.readBuffer = &buffer;
-    options.dumpTable = settings_.collectLines && settings_.dumpTable;
+    options.dumpTable = settings_.collectLines;
     if (settings_.collectLines) {
         options.debugOut = [&](const QString& line) {
             if (slot.day.lines.size() < lineLimit)

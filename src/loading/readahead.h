@@ -30,9 +30,9 @@ public:
         QStringList paths;
         // The load state before the first of them.
         LoadState state;
-        // Keep the diagnostic lines (only when the diagnostic log is on), and the table dump.
+        // Keep the diagnostic lines, the table dump among them, as the window does only while
+        // its diagnostic log is on.
         bool collectLines = false;
-        bool dumpTable = false;
     };
 
     // A day as the window's thread would have read it.

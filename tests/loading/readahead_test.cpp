@@ -65,7 +65,7 @@ TEST(ReadAhead, HandsOverOnlyDaysThatAreStillWhatItReadFromTheWindowsState) {
         const QStringList paths = {scratch.write("AB01031412.CSV", rows(3000, 13, 1)),
                                    scratch.write("AB01031512.CSV", rows(2500, 5, 2)),
                                    scratch.write("AB01031612.CSV", rows(10, 5, 3))};
-        DataLogReadAhead ahead({paths, LoadState(), true, false});
+        DataLogReadAhead ahead({paths, LoadState(), true});
         LoadState state;
         std::vector<qsizetype> shown;
         auto first =
@@ -91,7 +91,7 @@ TEST(ReadAhead, ADayAskedForOutOfTurnStopsIt) {
     ScratchFolder scratch;
     const QStringList paths = {scratch.write("AB01031412.CSV", rows(5, 1, 1)),
                                scratch.write("AB01031512.CSV", rows(5, 1, 2))};
-    DataLogReadAhead ahead({paths, LoadState(), false, false});
+    DataLogReadAhead ahead({paths, LoadState(), false});
     EXPECT_FALSE(ahead.take(paths[1], LoadState(), {}));
     EXPECT_FALSE(ahead.take(paths[0], LoadState(), {}));
 }
