@@ -45,6 +45,7 @@ struct LayoutCase {
     const char* firstMenuCaption;
     double firstValue; // channel 1's first value as charted: 100 raw, 2 * 100 - 1 calibrated
     bool calibrate, tracksCommand, quillChannels;
+    friend void PrintTo(const LayoutCase& c, std::ostream* os) { *os << c.name; }
 };
 
 class LayoutAfterLoads : public ChartView, public ::testing::WithParamInterface<LayoutCase> {};

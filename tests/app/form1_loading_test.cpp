@@ -36,6 +36,7 @@ struct RowlessLoad {
     const char* name;
     const char* dayLog; // the one day's data log, 031512
     double day;         // the chosen range, one day
+    friend void PrintTo(const RowlessLoad& c, std::ostream* os) { *os << c.name; }
 };
 
 class LoadsWithoutRows : public MainWindowTest,
