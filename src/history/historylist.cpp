@@ -2,6 +2,7 @@
 
 #include <QAbstractListModel>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
 #include <algorithm>
 
 namespace trendax {
@@ -51,6 +52,14 @@ HistoryList::HistoryList(QWidget* parent) : QListView(parent), model_(new Model(
 }
 
 HistoryList::~HistoryList() = default;
+
+void HistoryList::keyPressEvent(QKeyEvent* event) {
+    const QPersistentModelIndex before = currentIndex();
+    QListView::keyPressEvent(event);
+    const QModelIndex after = currentIndex();
+    if (after.isValid() && after != before)
+        emit entryClicked(after.row());
+}
 
 int HistoryList::count() const {
     return int(model_->entries.size());

@@ -28,8 +28,12 @@ public:
     void holdLayout(bool hold);
 
 signals:
-    // A click on an entry, by its row.
+    // An entry chosen, by its row: clicked, or made current with the keyboard (arrows, pages,
+    // Home, End, typing its first letters), as a list box reports its clicks.
     void entryClicked(int row);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     class Model;
