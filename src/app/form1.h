@@ -262,6 +262,7 @@ private:
     double logicalDpi() const;
     // Shows the grid rows (time TAB comment) in the given order.
     void showCommentRows(const QStringList& rows);
+    void setCommentRow(int row, const QString& text);
     QStringList commentGridRows() const;
     // Moves the visible window, keeping its width, so that t stands in its middle, and puts the
     // cursor there.

@@ -34,27 +34,43 @@ void Form1::LoadUserComments(const QString& path) {
 void Form1::showCommentRows(const QStringList& rows) {
     gridHistoryEvents->setUpdatesEnabled(false);
     gridHistoryEvents->setRowCount(0);
+    gridHistoryEvents->setColumnCount(2);
     gridHistoryEvents->setRowCount(int(rows.size()));
-    for (int r = 0; r < int(rows.size()); ++r) {
-        // A TAB typed into a comment stays in the comment cell: the comment is shown whole.
-        const QString& row = rows[r];
-        const QStringView time = history::commentRowTime(row);
-        auto* timeItem = new QTableWidgetItem(time.toString());
-        timeItem->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-        gridHistoryEvents->setItem(r, 0, timeItem);
-        const QString comment = time.size() < row.size() ? row.mid(time.size() + 1) : QString();
-        gridHistoryEvents->setItem(r, 1, new QTableWidgetItem(comment));
-    }
+    for (int r = 0; r < int(rows.size()); ++r)
+        setCommentRow(r, rows[r]);
     gridHistoryEvents->setUpdatesEnabled(true);
+}
+
+// A row's text has a TAB between its cells, so a TAB typed into a comment spills the rest into
+// further columns, which the grid grows to hold; the comment stays whole in the file.
+void Form1::setCommentRow(int row, const QString& text) {
+    const QStringList cells = text.split(QLatin1Char('\t'));
+    for (int c = gridHistoryEvents->columnCount(); c < cells.size(); ++c) {
+        gridHistoryEvents->insertColumn(c);
+        gridHistoryEvents->setHorizontalHeaderItem(c, new QTableWidgetItem(QString()));
+        gridHistoryEvents->setColumnWidth(c, gridHistoryEvents->columnWidth(1));
+    }
+    for (int c = 0; c < cells.size(); ++c) {
+        auto* item = new QTableWidgetItem(cells[c]);
+        if (c == 0)
+            item->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+        gridHistoryEvents->setItem(row, c, item);
+    }
 }
 
 QStringList Form1::commentGridRows() const {
     QStringList rows;
     for (int r = 0; r < gridHistoryEvents->rowCount(); ++r) {
-        const QTableWidgetItem* time = gridHistoryEvents->item(r, 0);
-        const QTableWidgetItem* comment = gridHistoryEvents->item(r, 1);
-        rows << (time ? time->text() : QString()) + QLatin1Char('\t') +
-                    (comment ? comment->text() : QString());
+        // Cells up to the last one filled, so that a row keeps its TABs and gains none.
+        QStringList cells;
+        int filled = 1;
+        for (int c = 0; c < gridHistoryEvents->columnCount(); ++c) {
+            const QTableWidgetItem* item = gridHistoryEvents->item(r, c);
+            cells << (item ? item->text() : QString());
+            if (item && c > 0)
+                filled = c + 1;
+        }
+        rows << QStringList(cells.mid(0, std::max(filled, 2))).join(QLatin1Char('\t'));
     }
     return rows;
 }
@@ -72,8 +88,7 @@ void Form1::cmdAddComment_Click() {
 
     const int row = gridHistoryEvents->rowCount();
     gridHistoryEvents->insertRow(row);
-    gridHistoryEvents->setItem(row, 0, new QTableWidgetItem(datetime::formatGeneral(t)));
-    gridHistoryEvents->setItem(row, 1, new QTableWidgetItem(comment));
+    setCommentRow(row, datetime::formatGeneral(t) + QLatin1Char('\t') + comment);
 
     const QString path = commentsFilePath(environment().appFolder(), SiteCode);
     const history::AppendResult result =

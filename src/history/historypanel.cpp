@@ -34,6 +34,11 @@ void HistoryPanel::initCommentGrid(int columnWidth) {
         {QStringLiteral("Time"), QStringLiteral("Comment")});
     gridHistoryEvents->setColumnWidth(0, columnWidth);
     gridHistoryEvents->setColumnWidth(1, columnWidth);
+    QHeaderView* header = gridHistoryEvents->horizontalHeader();
+    QFont bold = header->font();
+    bold.setBold(true);
+    header->setFont(bold);
+    header->setDefaultAlignment(Qt::AlignCenter);
 }
 
 } // namespace trendax

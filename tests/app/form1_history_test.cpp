@@ -34,11 +34,17 @@ protected:
         load("AB12", {"031412", "031512"}, mar15, mar15);
     }
 
+    // Each row's cells, separated by "|".
     QStringList gridRows() const {
         QStringList out;
-        for (int r = 0; r < w->gridHistoryEvents->rowCount(); ++r)
-            out << w->gridHistoryEvents->item(r, 0)->text() + '|' +
-                       w->gridHistoryEvents->item(r, 1)->text();
+        for (int r = 0; r < w->gridHistoryEvents->rowCount(); ++r) {
+            QStringList cells;
+            for (int c = 0; c < w->gridHistoryEvents->columnCount(); ++c) {
+                const QTableWidgetItem* item = w->gridHistoryEvents->item(r, c);
+                cells << (item ? item->text() : QStringLiteral("-"));
+            }
+            out << cells.join('|');
+        }
         return out;
     }
 
@@ -62,10 +68,10 @@ TEST_F(HistoryColumn, ALoadListsTheDaysEventsAndTheSortedCommentsAndMarksThemOnT
     EXPECT_EQ(w->lstHST->entries(),
               (QStringList{"03/15/12 10:22:33 - Overload", "03/15/12 10:22:33 - Overload",
                            "03/15/12 11:00:00 - Power Failed"}));
-    // Month first; the TAB typed into a comment stays in its comment cell.
+    // Month first; the TAB typed into a comment spills the rest into a further column.
     EXPECT_EQ(gridRows(),
-              (QStringList{"01/02/2013 10:00:00|new year", "03/15/2012 09:00:00|b\tsecond",
-                           "12/31/2011 08:00:00|old year"}));
+              (QStringList{"01/02/2013 10:00:00|new year|-", "03/15/2012 09:00:00|b|second",
+                           "12/31/2011 08:00:00|old year|-"}));
     EXPECT_EQ(
         markers(),
         (QStringList{"comment 2 old year", "comment 1 b\tsecond",
@@ -91,7 +97,7 @@ TEST_F(HistoryColumn, AddCommentAsksNothingWithoutASiteAndStoresTheAnswerByteFor
               before + "03/15/2012 12:00:00 pump, \"ok\"\tcaf\xe9\r\n");
     const QStringList rows = gridRows();
     ASSERT_EQ(rows.size(), 4);
-    EXPECT_TRUE(rows.contains(datetime::formatGeneral(mar15 + 0.5) + "|pump, \"ok\"\tcaf\u00e9"));
+    EXPECT_TRUE(rows.contains(datetime::formatGeneral(mar15 + 0.5) + "|pump, \"ok\"|caf\u00e9"));
     EXPECT_TRUE(std::is_sorted(rows.begin(), rows.end()));
     EXPECT_TRUE(dialogs.messages.empty());
     // The new comment is marked at the cursor's time, under its row in the sorted grid.
