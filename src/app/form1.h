@@ -204,6 +204,7 @@ public:
     // ---- Calibration ----
     // Opens the calibration dialog of a one-channel log, or raises it when it is open already.
     void OpenCalibrationDialog();
+    void ShowFactorsInCalibrationDialog();
     // The calibration dialog while it is open, else null.
     frmCalibrate2* calibrationDialog() const;
     // Writes the site's new factors (the scale file, then the offset file) and loads the site

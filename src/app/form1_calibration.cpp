@@ -5,13 +5,14 @@
 
 namespace trendax {
 
-// One dialog at a time: a second command brings the open one to the front. Every close destroys
-// it, so the next opening starts afresh from the factors in effect; a dialog already hidden on
-// its way out is left to go.
+// One dialog at a time: a second command brings the open one to the front and shows it the
+// factors in effect again. Every close destroys it, so the next opening starts afresh; a dialog
+// already hidden on its way out is left to go.
 void Form1::OpenCalibrationDialog() {
     if (calibrationDialog_ && calibrationDialog_->isVisible()) {
         calibrationDialog_->raise();
         calibrationDialog_->activateWindow();
+        ShowFactorsInCalibrationDialog();
         return;
     }
     calibrationDialog_ = new frmCalibrate2(
@@ -22,6 +23,13 @@ void Form1::OpenCalibrationDialog() {
         this);
     calibrationDialog_->show();
     calibrationDialog_->showCurrentFactors(mScale, mOffset);
+}
+
+// An open dialog always calculates from the factors of the site loaded last, also when another
+// site was loaded while it stayed open.
+void Form1::ShowFactorsInCalibrationDialog() {
+    if (calibrationDialog_ && calibrationDialog_->isVisible())
+        calibrationDialog_->showCurrentFactors(mScale, mOffset);
 }
 
 frmCalibrate2* Form1::calibrationDialog() const {

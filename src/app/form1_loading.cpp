@@ -206,6 +206,7 @@ void Form1::LoadWell() {
             progress_->close();
         delete progress_;
         UpdateImbalance(); // skipped while the days were loading
+        ShowFactorsInCalibrationDialog();
         setEnabled(true);
         raise();
         activateWindow();

@@ -98,6 +98,19 @@ TEST_F(CalibratingFromTheChart, OkWritesTheNewFactorsAndTheChartShowsThem) {
     EXPECT_NEAR(w->Strip1->DataMax(0), oldMax / 1.2345 * newScale, 1e-9 * oldMax);
 }
 
+TEST_F(CalibratingFromTheChart, TheOpenDialogShowsTheFactorsOfEachLoadAndOfEachPress) {
+    scratch.write(factorFile("scal"), "3\r\n");
+    scratch.write(factorFile("offs"), "-0.5\r\n");
+    load("AB12", {"031512"}, mar15, mar15);
+    ASSERT_EQ(w->calibrationDialog(), dlg);
+    EXPECT_EQ(std::pair(dlg->lblScale->text(), dlg->lblOffset->text()),
+              std::pair(QStringLiteral("3"), QStringLiteral("-0.5")));
+    dlg->showCurrentFactors(9, 9);
+    QTest::mouseClick(w->toolButton("yscale"), Qt::LeftButton);
+    EXPECT_EQ(std::pair(dlg->lblScale->text(), dlg->lblOffset->text()),
+              std::pair(QStringLiteral("3"), QStringLiteral("-0.5")));
+}
+
 TEST_F(CalibratingFromTheChart, AReadOnlyConfigurationFolderWritesAndReloadsNothing) {
     // A folder in place of the scale file: no writer can replace it, as root or not.
     const QString scale = scratch.file(factorFile("scal"));
