@@ -6,9 +6,15 @@
 
 #include <QApplication>
 #include <QIcon>
-#include <QStringList>
+#include <QByteArrayList>
 
 int main(int argc, char** argv) {
+    // The argument text is everything after the program's name, as typed: taken before Qt
+    // removes the options it knows (-style, -platform), so that "debug -style fusion" is not
+    // the word "debug".
+    QByteArrayList typed;
+    for (int i = 1; i < argc; ++i)
+        typed << QByteArray(argv[i]);
     QApplication app(argc, argv);
     trendax::keepLargeBlocksForReuse();
     QApplication::setApplicationName(trendax::programTitle());
@@ -18,13 +24,11 @@ int main(int argc, char** argv) {
     for (const int size : {48, 128, 256})
         icon.addFile(QStringLiteral(":/icons/trendax2-%1.png").arg(size));
     QGuiApplication::setWindowIcon(icon);
-    // The argument text is everything after the program's name, as typed.
-    QStringList words = QApplication::arguments();
-    words.removeFirst();
+    const QString argumentText = QString::fromLocal8Bit(typed.join(' '));
 
     trendax::SystemEnvironment environment;
     trendax::SystemDialogs dialogs;
-    trendax::Form1 window(environment, dialogs, words.join(QLatin1Char(' ')));
+    trendax::Form1 window(environment, dialogs, argumentText);
     window.show();
     return QApplication::exec();
 }
