@@ -38,14 +38,17 @@ void Form1::LoadQXL(const QString& path) {
     options.progress = [this, progress](qsizetype row, qsizetype rowCount) {
         // Every 1000 rows, but shown only when events are due to run: a progress bar repaints
         // itself at once on every new value, and thousands of repaints would cost more than the
-        // reading.
-        if (!eventsDue())
+        // reading. Each file's first line always shows, so that the line count and the bar's
+        // length are never those of the file before.
+        const bool due = eventsDue();
+        if (row != 0 && !due)
             return;
         if (progress) {
             progress->showLine(row, rowCount);
             progress->bringToFront();
         }
-        LetEventsRun();
+        if (due)
+            LetEventsRun();
     };
 
     // Long stretches without rows (a huge file, a gigabyte-long line) still let events run.
