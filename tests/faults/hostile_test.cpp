@@ -7,6 +7,7 @@
 #include "opendlg/sitetree.h"
 #include "storage/homefolder.h"
 #include "support/fulldisk.h"
+#include "support/readonlyfolder.h"
 #include "support/scratchfolder.h"
 
 #include <QDir>
@@ -16,11 +17,10 @@
 #include <cerrno>
 #include <cstring>
 #include <functional>
-#include <sys/mount.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace trendax;
+using trendax::test::ReadOnlyFolder;
 using trendax::test::ScratchFolder;
 
 namespace {
@@ -44,27 +44,6 @@ QByteArray dataLog(const char* site, int rows) {
         bytes += QByteArray(site) + ",03/15/12,10:" + QByteArray::number(10 + i) + ":00,1.5\r\n";
     return bytes;
 }
-
-// A folder nobody may write into, the superuser included where the test may mount: a tmpfs
-// remounted read-only; elsewhere its permissions, which bind all but the superuser.
-class ReadOnlyFolder {
-public:
-    explicit ReadOnlyFolder(const QString& folder) : path_(QFile::encodeName(folder)) {
-        QDir().mkpath(folder);
-        mounted_ = ::geteuid() == 0 && ::mount("tmpfs", path(), "tmpfs", 0, "size=1m") == 0;
-    }
-    ~ReadOnlyFolder() { mounted_ ? ::umount2(path(), MNT_DETACH) : ::chmod(path(), 0755); }
-    // Files put there before are kept; false when the folder cannot be sealed for this process.
-    bool seal() {
-        return mounted_ ? ::mount(nullptr, path(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0
-                        : ::chmod(path(), 0555) == 0 && ::geteuid() != 0;
-    }
-
-private:
-    const char* path() const { return path_.constData(); }
-    QByteArray path_;
-    bool mounted_ = false;
-};
 
 } // namespace
 

@@ -7,6 +7,7 @@
 #include "storage/numbers.h"
 #include "storage/textfile.h"
 #include "support/fulldisk.h"
+#include "support/readonlyfolder.h"
 #include "support/scratchfolder.h"
 #include "support/scriptedenvironment.h"
 
@@ -15,9 +16,7 @@
 #include <QString>
 #include <cerrno>
 #include <gtest/gtest.h>
-#include <sys/mount.h>
 #include <tuple>
-#include <unistd.h>
 
 namespace trendax {
 namespace {
@@ -109,25 +108,6 @@ TEST(AppFolderChoice, PerUserFolderStandsInForAReadOnlyExecutableFolder) {
     }
 }
 
-// Read-only by a mount for root, whom permission bits do not stop; by its mode otherwise.
-struct ReadOnlyFolder {
-    QString path;
-    bool mounted = false;
-    explicit ReadOnlyFolder(const QString& folder) : path(folder) {
-        QDir().mkpath(path);
-        if (geteuid() == 0)
-            mounted = mount("tmpfs", QFile::encodeName(path).constData(), "tmpfs", MS_RDONLY,
-                            "size=64k") == 0;
-        else
-            QFile::setPermissions(path, QFile::ReadOwner | QFile::ExeOwner);
-    }
-    ~ReadOnlyFolder() {
-        if (mounted)
-            umount2(QFile::encodeName(path).constData(), MNT_DETACH);
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    }
-};
-
 TEST(AppFolderLocate, OnlyAReadOnlyExecutableFolderMovesTheFoldersToTheUsersDataFolder) {
     test::ScratchFolder scratch;
     const QString build = scratch.mkdir("build/release"); // kept, and nothing is created
@@ -135,9 +115,9 @@ TEST(AppFolderLocate, OnlyAReadOnlyExecutableFolderMovesTheFoldersToTheUsersData
     EXPECT_FALSE(QFileInfo::exists(scratch.file("xdg")));
 
     const QString exeFolder = scratch.file("usr/bin");
-    ReadOnlyFolder readOnly(exeFolder);
-    if (geteuid() == 0 && !readOnly.mounted)
-        GTEST_SKIP() << "a read-only mount needs CAP_SYS_ADMIN";
+    test::ReadOnlyFolder readOnly(exeFolder);
+    if (!readOnly.seal())
+        GTEST_SKIP() << "the folder cannot be made read-only for this process";
     ASSERT_FALSE(appfolder::isWritable(exeFolder));
     const QString folder = appfolder::locate(exeFolder, scratch.file("xdg"), scratch.file("home"));
     EXPECT_EQ(folder, scratch.file("xdg/Trendax2"));
