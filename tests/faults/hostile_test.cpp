@@ -132,12 +132,14 @@ TEST(FullDisk, AnImportOntoAFullHomeFolderKeepsTheOldCopyAndNamesTheFile) {
     disk.fill();
     SCOPED_TRACE(disk.how());
 
-    // Sources are kept: a data log's source goes after its copy whatever the copy reported,
-    // which is the import's kept behaviour when the user answers Yes.
+    // Answered Yes: a data log's source goes after its copy whatever the copy reported, the
+    // import's kept behaviour.
     const import::Outcome outcome =
-        import::run({scratch.file("media"), home, scratch.file("app/cnffiles"), {}}, false, {});
+        import::run({scratch.file("media"), home, scratch.file("app/cnffiles"), {}}, true, {});
 
+    EXPECT_FALSE(outcome.stopped);
     EXPECT_EQ(outcome.failedCopies, QStringList{scratch.file("media/AB010315.CSV")});
+    EXPECT_EQ(filesIn(scratch.file("media")), QStringList());
     EXPECT_EQ(scratch.read("app/logfiles/AB01031512.CSV"), dataLog("AB01", 2));
     for (const QString& name : filesIn(home))
         EXPECT_FALSE(homefolder::isOwnTemporary(name)) << name.toStdString();

@@ -148,18 +148,6 @@ TEST(Import, CopiesUnderNewNamesAndDeletesTheSourcesOnlyWhenAsked) {
     EXPECT_EQ(none.run(true).listed, 0);
 }
 
-// A data log's source goes even when its copy failed: the import's kept behaviour on Yes.
-TEST(Import, ADataLogsSourceGoesEvenWhenItsCopyFailed) {
-    Walk walk;
-    walk.write("src/AB010315.CSV", "AB01,03/15/12,1\r\n");
-    import::Callbacks callbacks;
-    callbacks.copyDataLog = [](const import::SourceFile&, const QString&) { return EACCES; };
-    const auto outcome = walk.run(true, callbacks);
-    EXPECT_EQ(outcome.failedCopies, QStringList{walk.file("src/AB010315.CSV")});
-    EXPECT_EQ(walk.left("src"), QStringList());
-    EXPECT_FALSE(outcome.stopped);
-}
-
 // The import stops at the file in doubt with one message naming it; what was done stays done,
 // nothing further is touched and the file in doubt keeps its bytes.
 void expectStop(const Walk& walk, import::Callbacks callbacks, const QString& at, int sourceLeft,
