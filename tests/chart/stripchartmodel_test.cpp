@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <numeric>
 #include <random>
 #include <set>
 #include <tuple>
@@ -109,6 +110,18 @@ TEST(StripChartModelStatistics, CursorValueIsTheNearestPointOrderedOrNot) {
     }
 }
 
+// The window's statistics against a plain scan of points a to b. Windows start on a point and end
+// on one, or `gap` of a second short of the next: points on the edges count.
+void expectWindowStatistics(StripChartModel& m, const std::vector<double>& ys, std::size_t a,
+                            std::size_t b, double gap, double avgTolerance) {
+    SCOPED_TRACE(testing::Message() << "points " << a << ".." << b);
+    m.showXRange(45000.0 + double(a) / 86400.0, 45000.0 + (double(b) + gap) / 86400.0);
+    const auto [lo, hi] = std::minmax_element(ys.begin() + a, ys.begin() + b + 1);
+    const double sum = std::accumulate(ys.begin() + a, ys.begin() + b + 1, 0.0);
+    EXPECT_EQ(std::pair(m.viewMin(0), m.viewMax(0)), std::pair(*lo, *hi));
+    EXPECT_NEAR(m.viewAvg(0), sum / double(b - a + 1), avgTolerance);
+}
+
 TEST(StripChartModelStatistics, ViewStatisticsMatchAPlainScanOverManyBlocks) {
     StripChartModel m;
     m.setMaxBufferSize(1'000'000);
@@ -128,21 +141,9 @@ TEST(StripChartModelStatistics, ViewStatisticsMatchAPlainScanOverManyBlocks) {
     }
     std::uniform_int_distribution<std::size_t> index(0, ys.size() - 1);
     for (int round = 0; round < 200; ++round) {
-        std::size_t a = index(rng), b = index(rng);
-        if (a > b)
-            std::swap(a, b);
-        // Windows start on a point and end on one or between two: points on the edges count.
-        const double gap = round % 2 ? 0.0 : 0.4;
-        m.showXRange(45000.0 + double(a) / 86400.0, 45000.0 + (double(b) + gap) / 86400.0);
-        if (a == b)
-            continue;
-        SCOPED_TRACE(testing::Message() << "points " << a << ".." << b);
-        const auto [lo, hi] = std::minmax_element(ys.begin() + a, ys.begin() + b + 1);
-        double sum = 0.0;
-        for (std::size_t i = a; i <= b; ++i)
-            sum += ys[i];
-        EXPECT_EQ(std::pair(m.viewMin(0), m.viewMax(0)), std::pair(*lo, *hi));
-        EXPECT_NEAR(m.viewAvg(0), sum / double(b - a + 1), 1e-9);
+        const auto [a, b] = std::minmax({index(rng), index(rng)});
+        if (a < b)
+            expectWindowStatistics(m, ys, a, b, round % 2 ? 0.0 : 0.4, 1e-9);
     }
 }
 
@@ -166,20 +167,11 @@ TEST(StripChartModelStatistics, PackedReadingsGiveTheStatisticsOfTheOriginalDoub
                                {9'000, 11'000},
                                {100, 99'000},
                                {69'999, 70'100}}) {
-        SCOPED_TRACE(testing::Message() << "points " << a << ".." << b);
-        m.showXRange(45000.0 + double(a) / 86400.0, 45000.0 + double(b) / 86400.0);
-        const auto [lo, hi] = std::minmax_element(ys.begin() + a, ys.begin() + b + 1);
-        double sum = 0.0;
-        for (std::size_t i = a; i <= b; ++i)
-            sum += ys[i];
-        EXPECT_EQ(std::tuple(m.viewMin(0), m.viewMax(0), m.viewAvg(0)),
-                  std::tuple(*lo, *hi, sum / double(b - a + 1)));
+        expectWindowStatistics(m, ys, a, b, 0.0, 0.0);
     }
-    double sum = 0.0;
-    for (double y : ys)
-        sum += y;
-    EXPECT_EQ(std::tuple(m.dataMin(0), m.dataMax(0), m.dataAvg(0)),
-              std::tuple(0.125, 2452.75, sum / double(ys.size())));
+    EXPECT_EQ(
+        std::tuple(m.dataMin(0), m.dataMax(0), m.dataAvg(0)),
+        std::tuple(0.125, 2452.75, std::accumulate(ys.begin(), ys.end(), 0.0) / double(ys.size())));
 }
 
 TEST(StripChartModelBuffer, LoweringOrAppendingDropsTheOldestOfSharedColumnsAndRaisingAddsNone) {
