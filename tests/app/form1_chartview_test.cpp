@@ -2,6 +2,7 @@
 // visibility, held scrolling, markers, the buffer size, the cursor and reference read-outs,
 // going back through the views, the window's commands and the about box.
 #include "app/frmsplash.h"
+#include "chart/chartfixtures.h"
 #include "loading/dlgprogress.h"
 #include "mainwindowtest.h"
 
@@ -212,11 +213,7 @@ TEST_F(ChartView, BufferSizePromptTakesOnlyAWholePositiveNumber) {
 TEST_F(ChartView, ClicksInTheChartRefreshEveryRowAndTheStatusBarButAZoomDoesNot) {
     // Variable k reads k + 1 at the start of the day and -(k + 1) at its end; slot 12 is empty.
     for (int k = 0; k < 12; ++k) {
-        XYArray a(2, 2);
-        a.at(0, 0) = mar15;
-        a.at(1, 0) = k + 1;
-        a.at(0, 1) = mar15 + 1;
-        a.at(1, 1) = -(k + 1);
+        const XYArray a = makeArray({{mar15, k + 1.0}, {mar15 + 1, -(k + 1.0)}});
         w->Strip1->AddXYArray(k, &a);
     }
     w->Strip1->ShowXRange(mar15, mar15 + 1);

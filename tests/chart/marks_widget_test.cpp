@@ -2,6 +2,7 @@
 #include "chart/chartsettingsdialog.h"
 #include "chart/stripchart.h"
 #include "chart/stripchartmodel.h"
+#include "chartfixtures.h"
 #include "support/scripteddialogs.h"
 
 #include <QApplication>
@@ -110,14 +111,12 @@ TEST_F(ChartMarks, HoveringAFlagShowsItsTooltipAndClickingItReportsItsRowNotTheC
 
 TEST_F(ChartMarks, GapsBreakTheLineAndAreShadedUnlessBridged) {
     // One-second rows at half height with the two hours from 12:00 missing.
-    XYArray a(2, 86400 - 7200);
-    for (std::size_t s = 0, i = 0; s < 86400; ++s)
-        if (s < 43200 || s >= 50400) {
-            a.at(0, i) = day0 + double(s) / 86400.0;
-            a.at(1, i++) = 50.0;
-        }
+    const auto half = [](std::size_t) { return 50.0; };
+    const XYArray morning = test::secondsArray(day0, 0, 43200, half),
+                  evening = test::secondsArray(day0, 50400, 36000, half);
     chart.setEventMarkers({});
-    chart.AddXYArray(0, &a);
+    chart.AddXYArray(0, &morning);
+    chart.AddXYArray(0, &evening);
     const int y = int(std::lround(chart.plotArea().center().y()));
     const int inHole = xOf(day0 + 0.54), drawn = xOf(day0 + 0.25);
     const auto curveNear = [&](const QImage& image, int x) {
