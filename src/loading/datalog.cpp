@@ -370,8 +370,9 @@ QString Parser::dump() {
         for (int f = 0; f < result_.fieldCount; ++f) {
             if (f > 0)
                 text += "[,]";
+            // A channel field that does not read as a number is as missing as an empty one.
             const Field field = cursor.next() ? cursor.field(scratch_[0]) : std::nullopt;
-            if (field)
+            if (field && (f < 3 || numbers::parse(*field)))
                 text.append(field->data(), qsizetype(field->size()));
             else
                 text += "[null]";

@@ -141,14 +141,17 @@ TEST(DataLogLoad, OnlyOneChannelLoadsAreCalibrated) {
 TEST(DataLogDiagnostics, EveryLineInOrderWithTheTableAsRead) {
     LoadState state;
     QStringList log;
-    read("AB12,03/15/12,12:00:00.00,1,2\r\n\"AB,12\",03/15/12,12:00:01.00,,\"x\"\"y\"\r\n", state,
-         true, &log);
+    // A channel field that is no number is missing; text fields stay as read.
+    read("AB12,03/15/12,12:00:00.00,1,\"2\"\r\n\"AB,12\",03/15/12,12:00:01.00,,\"x\"\"y\"\r\n"
+         "\"x\"\"y\",03/15/12,12:00:02.00,3,1e\r\n",
+         state, true, &log);
     EXPECT_EQ(log, (QStringList{"LoadQXL: file opened", "LoadQXL: numChannels = 2",
                                 "LoadQXL: Rs1.Fields.Count = 5",
                                 "Dumping CSV file: " + QString(56, '*') +
                                     "\r\nAB12[,]03/15/12[,]12:00:00.00[,]1[,]2\r\n"
-                                    "AB,12[,]03/15/12[,]12:00:01.00[,][null][,]x\"y\r\n",
-                                "LoadQXL: memory allocated", "LoadQXL: begin loop; reccount = 2",
+                                    "AB,12[,]03/15/12[,]12:00:01.00[,][null][,][null]\r\n"
+                                    "x\"y[,]03/15/12[,]12:00:02.00[,]3[,][null]\r\n",
+                                "LoadQXL: memory allocated", "LoadQXL: begin loop; reccount = 3",
                                 "LoadQXL: xval = 40983.5", "LoadQXL: Badrowcount = 1",
                                 "LoadQXL: end load loop"}));
 }
