@@ -9,7 +9,8 @@ namespace trendax::readouts {
 QString formatValue(double value) {
     if (!std::isfinite(value))
         return QString::number(value);
-    double rounded = std::round(value * 100.0) / 100.0;
+    // From 2^52 / 100 on a double has no hundredths to round, and times 100 it could overflow.
+    double rounded = std::abs(value) < 0x1p52 / 100.0 ? std::round(value * 100.0) / 100.0 : value;
     if (rounded == 0.0)
         rounded = 0.0; // no "-0.00"
     return QString::number(rounded, 'f', 2);

@@ -90,6 +90,11 @@ TEST(ValueText, ValuesAndDeltasFollowTheTwoDecimalPattern) {
         {-0.001, "0.00"}};
     for (const auto& [value, text] : rows)
         EXPECT_EQ(readouts::formatValue(value), QString::fromLatin1(text)) << value;
+    // Values too large to count in hundredths keep all their digits.
+    for (const double huge : {1e307, -1.7e308}) {
+        const QString text = readouts::formatValue(huge);
+        EXPECT_TRUE(text.endsWith(".00") && text.toDouble() == huge) << text.toStdString();
+    }
     // A delta is of the unrounded values: 12.35 and 2.34 shown, but 10.002 apart.
     EXPECT_EQ(readouts::formatDelta(12.346, 2.344), "10.00");
     EXPECT_EQ(readouts::formatDelta(-1.5, 2.25), "-3.75");
