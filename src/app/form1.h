@@ -251,6 +251,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    // No menu of toolbars: the chart's own is the window's only context menu.
+    QMenu* createPopupMenu() override { return nullptr; }
 
 private:
     void buildToolbar();
