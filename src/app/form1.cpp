@@ -483,6 +483,13 @@ void Form1::setCursorText(double x) {
     const QString text = datetime::formatGeneral(x);
     picStats->setCursorText(text);
     statusPanels[1]->setText(QStringLiteral("Cursor: ") + text);
+    // A message hides the panels while it shows; the cursor's new time is worth more.
+    StatusBar1->clearMessage();
+}
+
+void Form1::showStatusMessage(const QString& text) {
+    // For a while only: the message covers the cursor and imbalance panels.
+    StatusBar1->showMessage(text, 10'000);
 }
 
 void Form1::UpdateCursorDisplay() {

@@ -262,6 +262,7 @@ private:
     void buildReferencePanel();
     void showAbout();
     void setCursorText(double x);
+    void showStatusMessage(const QString& text);
     double logicalDpi() const;
     // Shows the grid rows (time TAB comment) in the given order.
     void showCommentRows(const QStringList& rows);

@@ -79,7 +79,7 @@ void Form1::ExportView() {
         dialogs_.message(this, failure, programTitle(), QMessageBox::Ok, QMessageBox::Warning);
         return;
     }
-    StatusBar1->showMessage(QStringLiteral("Exported to ") + path);
+    showStatusMessage(QStringLiteral("Exported to ") + path);
 }
 
 QString Form1::exportViewTo(const QString& path) {

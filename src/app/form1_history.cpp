@@ -122,8 +122,8 @@ void Form1::lstHST_Click(int row) {
     const QString entry = lstHST->text(row);
     const auto t = history::historyEntryTime(entry);
     if (!t) {
-        StatusBar1->showMessage(QStringLiteral("The event \"") + entry +
-                                QStringLiteral("\" has no time to locate on the graph."));
+        showStatusMessage(QStringLiteral("The event \"") + entry +
+                          QStringLiteral("\" has no time to locate on the graph."));
         return;
     }
     centreOn(*t);

@@ -122,6 +122,7 @@ TEST_F(HistoryColumn, AFailedAppendTakesTheRowBackAndSaysWhy) {
 
 TEST_F(HistoryColumn, AnEventCentresTheViewKeepingItsSpan) {
     loadSite();
+    showWindow(); // a status message hides only panels that show
     const double t = mar15 + 11 / 24.0;
     for (const double span : {1 / 24.0, 30.0}) {
         SCOPED_TRACE(span);
@@ -132,12 +133,17 @@ TEST_F(HistoryColumn, AnEventCentresTheViewKeepingItsSpan) {
         EXPECT_DOUBLE_EQ(w->Strip1->CursorX(), t);
         EXPECT_TRUE(w->lblCursor->text().contains(datetime::formatGeneral(t)));
     }
-    // An entry without a time leaves the chart and says so in the status bar.
+    // An entry without a time leaves the chart and says so in the status bar, over the cursor's
+    // panel until the cursor moves.
     w->lstHST->insertItem(0, QString());
     w->lstHST_Click(0);
     EXPECT_DOUBLE_EQ(w->Strip1->CursorX(), t);
     EXPECT_FALSE(w->StatusBar1->currentMessage().isEmpty());
     EXPECT_TRUE(dialogs.messages.empty());
+    EXPECT_TRUE(w->statusPanels[1]->isHidden());
+    w->lstHST_Click(1);
+    EXPECT_TRUE(w->StatusBar1->currentMessage().isEmpty());
+    EXPECT_FALSE(w->statusPanels[1]->isHidden());
 }
 
 TEST_F(HistoryColumn, AClickOnAMarkersFlagEndsWhereAClickOnItsRowEnds) {
