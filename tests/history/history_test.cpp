@@ -17,12 +17,31 @@
 namespace trendax::history {
 namespace {
 
-// Codes as "code=text shown in the history list": the first and last rows and one of each block
-// of the controllers' table; the other texts are the table's own and are not restated.
+// Every code of the controllers' table as "code=text shown in the history list". Rows that
+// repeat an earlier code are never reached and show the earlier row's text.
 const char* const shown[] = {
-    "OLD=Overload", "PWRF=Power Failed", "HI21=ORB Intake Pressure High", "HI63=--",
-    "HIMIN=First code", "IUB=Current Unbalance", "Di 1=Dig. Input 1",
-    "MT  Hi=Orb Winding Temp. High", "RMClr=Lockout Cleared Remotely", "HIMAX=Last code",
+    "OLD=Overload", "ULD=Underload", "CUB=Current Imbalance", "OVT=Overvoltage", "UVT=Undervoltage",
+    "ROT=Rotation Error", "DI1=Digital Input One", "DI2=Digital Input Two", "A1Hi=Analog One High",
+    "A1Lo=Analog One Low", "MAN=Switch to Manual", "PUV=Power Restored", "PWRF=Power Failed",
+    "MSTR=Manual Start", "ASTR=Auto Start", "RSTR=Remote Start", "RSTO=Remote Stop",
+    "HI21=ORB Intake Pressure High", "HI22=ORB Winding Temp. High", "HI23=ORB X Vibration High",
+    "HI24=ORB Y Vibration High", "HI25=ORB Discharge Pressure High", "HI26=ORB Discharge Temp High",
+    "HI27=ORB Expansion High", "HI28=ORB Intake Temp.  Low", "HI29=ORB Intake Pressure  Low",
+    "HI30=ORB Winding Temp Low", "HI31=ORB X Vibration Low", "HI32=ORB Y Vibration Low",
+    "HI33=ORB Discharge Pressure Low", "HI34=ORB Discharge Temp Low", "HI35=ORB Expansion Low",
+    "HI36=Rem Comms Connect", "HI37=Rem Comms Lost", "HI38=Rem Lockout Clear", "HI63=--",
+    "HIMIN=First code", "IUB=Current Unbalance", "OV=Voltage Too High", "UV=Voltage Too Low",
+    "Di 1=Dig. Input 1", "Di 2=Dig. Input 2", "Ai1 Hi=Analog 1 High", "MnStop=Manual Stop",
+    "Pwr On=Power Restored", "PwrOff=Power Fail", "Brown=Brown-out", "MnStrt=Manual Start",
+    "AuStrt=Auto Start", "RmStrt=Remote Start", "RmStop=Remote Stop",
+    "BHT Hi=Orb Intake Temp. High", "BHP Hi=Orb Pressure High", "MT  Hi=Orb Winding Temp. High",
+    "CH4 Hi=Orb Vibration X High", "CH5 Hi=Orb Vibration Y High", "DSPIHi=Orb Discharge Press High",
+    "CH7 Hi=Orb Discharge Temp High", "CH8 Hi=Orb Spare High", "BHT Lo=Orb Intake Temp. Low",
+    "BHP Lo=Orb Pressure Low", "MT  Lo=Orb Winding Temp. Low", "CH4 Lo=Orb Vibration X Low",
+    "CH5 Lo=Orb Vibration Y Low", "DSPILo=Orb Discharge Press Low", "CH7 Lo=Orb Discharge Temp Low",
+    "CH8 Lo=Orb Spare Low", "RMComm=Remote Comms connected", "RMLost=Remote Comms Lost",
+    "RMClr=Lockout Cleared Remotely", "Ai2 Hi=Analog 2 High", "None=Nothing stored",
+    "HIMAX=Last code",
     // Kept as field engineers know them: HI20's row is padded and never matches, "Ai2 Lo" reads
     // Analog 1, the first "VUB" row wins; codes match exactly, inner blanks and case included.
     "HI20=History Event (HI20)", "Ai2 Lo=Analog 1 Low", "Ai1 Lo=History Event (Ai1 Lo)",
