@@ -11,14 +11,43 @@ namespace trendax {
 
 namespace {
 
-// Only the first line matters; a longer file is never read further than this.
-constexpr qint64 firstLineLimit = 1 << 16;
+bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
 
+// The whole first line counts, however long; only the file's first line is read. Blanks before
+// the number are skipped and a run of blanks after it is kept as one, so memory stays bounded
+// while "5", many blanks and "x" still reads as no number.
 std::optional<double> readFactor(const QString& path) {
+    constexpr qint64 chunkBytes = 1 << 16;
+    constexpr qsizetype numberLimit = 1 << 16;
     QFile file(filenames::resolve(path));
     if (!file.open(QIODevice::ReadOnly))
         return std::nullopt;
-    return factorFromBytes(file.readLine(firstLineLimit));
+    QByteArray line;
+    for (;;) {
+        const QByteArray chunk = file.read(chunkBytes);
+        if (chunk.isEmpty())
+            break;
+        qsizetype end = 0;
+        while (end < chunk.size() && chunk[end] != '\n' && chunk[end] != '\r')
+            ++end;
+        qsizetype begin = 0;
+        while (line.isEmpty() && begin < end && isBlank(chunk[begin]))
+            ++begin;
+        line.append(chunk.constData() + begin, end - begin);
+        if (line.size() > numberLimit) {
+            qsizetype kept = line.size();
+            while (kept > 1 && isBlank(line[kept - 1]) && isBlank(line[kept - 2]))
+                --kept;
+            line.truncate(kept);
+            if (line.size() > numberLimit)
+                return std::nullopt; // no number is that long
+        }
+        if (end < chunk.size())
+            break;
+    }
+    return factorFromBytes(line);
 }
 
 } // namespace

@@ -55,6 +55,7 @@ protected:
 };
 
 TEST_F(FactorFiles, TheFirstLineIsReadAndAnythingElseGivesTheDefault) {
+    const QByteArray blanks(70'000, ' ');
     const struct {
         const char* name;
         std::optional<QByteArray> bytes; // nullopt: no file
@@ -64,7 +65,12 @@ TEST_F(FactorFiles, TheFirstLineIsReadAndAnythingElseGivesTheDefault) {
         {"blanks around", "  -1.25  \n", -1.25},    {"exponent", "1e3", 1000.0},
         {"zero is a scale", "0\r\n", 0.0},          {"empty", "", std::nullopt},
         {"text", "abc\r\n", std::nullopt},          {"empty first line", "\r\n2\r\n", std::nullopt},
-        {"decimal comma", "1,5\r\n", std::nullopt}, {"NUL", QByteArray("2\0", 2), std::nullopt}};
+        {"decimal comma", "1,5\r\n", std::nullopt}, {"NUL", QByteArray("2\0", 2), std::nullopt},
+        // First lines longer than any buffer are read whole.
+        {"blanks around, long", blanks + "2.5" + blanks + "\r\n7\r\n", 2.5},
+        {"text after long blanks", "5" + blanks + "x\r\n", std::nullopt},
+        {"two numbers apart", "5" + blanks + "5", std::nullopt},
+        {"a long line of digits", QByteArray(70'000, '1') + "\r\n", std::nullopt}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         for (const char* name : {"cnffiles/AB12scal.txt", "cnffiles/AB12offs.txt"}) {
