@@ -5,6 +5,7 @@
 #include "chart/chartfixtures.h"
 #include "loading/dlgprogress.h"
 #include "mainwindowtest.h"
+#include "storage/twips.h"
 
 #include <QAction>
 #include <QApplication>
@@ -13,6 +14,8 @@
 #include <QDir>
 #include <QFile>
 #include <QMenu>
+#include <QPushButton>
+#include <QTableWidget>
 #include <QTimer>
 #include <QToolBar>
 #include <algorithm>
@@ -282,6 +285,27 @@ TEST_F(ChartView, DebugWordMustMatchExactly) {
         EXPECT_EQ(QFile::exists("TXDebug.txt"), other.bbDebugOut) << word;
     }
     QDir::setCurrent(old);
+}
+
+// A one-channel log has no events: its comments take the whole history column, until a load of
+// more channels brings the list back. A window made smaller than the minimum springs back.
+TEST_F(ChartView, OneChannelLogsGiveTheCommentsTheColumnAndTheWindowKeepsItsMinimum) {
+    showWindow();
+    const std::tuple<int, bool, int> rows[] = {{1, false, 2}, {5, true, 1}};
+    for (const auto& [channels, listShown, gridLists] : rows) {
+        SCOPED_TRACE(channels);
+        loadChannels(channels);
+        w->ArrangeControls();
+        const QWidget* list = w->lstHST;
+        EXPECT_EQ(!list->isHidden(), listShown);
+        EXPECT_EQ(w->cmdAddComment->y(), listShown ? list->y() + list->height() : list->y());
+        EXPECT_EQ(w->gridHistoryEvents->height(), gridLists * list->height());
+    }
+    w->resize(300, 200);
+    w->ArrangeControls();
+    const double dpi = w->logicalDpiX();
+    EXPECT_GE(w->frameGeometry().width(), twips::toPixels(12000, dpi));
+    EXPECT_GE(w->frameGeometry().height(), twips::toPixels(9000, dpi));
 }
 
 TEST_F(ChartView, StatsAndHistoryCommandsGiveTheSpaceBack) {
