@@ -1,6 +1,7 @@
 // Loading a site through the main window: the open command's whole road, the well loader's
 // range and failure rules, the hand-over slots, the buffer, and the helper thread.
 #include "chart/blockpool.h"
+#include "loading/dlgprogress.h"
 #include "mainwindowtest.h"
 #include "synthetic.h"
 
@@ -8,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QLabel>
 #include <QProgressBar>
 
 namespace trendax::test {
@@ -73,6 +75,31 @@ TEST_F(LoadingASite, ADeletedDataLogEndsTheLoadKeepingTheDaysBefore) {
     EXPECT_DOUBLE_EQ(w->Strip1->CursorX(), cursorBefore); // the cursor is not moved
     EXPECT_TRUE(w->isEnabled());
     EXPECT_EQ(w->progressDialog(), nullptr);
+}
+
+// The progress window as it closes at the end of a load.
+struct ProgressAtClose : QObject {
+    QString line;
+    int barMaximum = -1;
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (auto* progress = qobject_cast<dlgProgress*>(watched);
+            progress && event->type() == QEvent::Close) {
+            line = progress->lblLines->text();
+            barMaximum = progress->ProgressBar2->maximum();
+        }
+        return false;
+    }
+};
+
+// A short day read right after a long one shows its own line count, however soon it comes.
+TEST_F(LoadingASite, EachDayShowsItsOwnLineCount) {
+    writeDay("AB12", "031412", 5, 3000);
+    writeDay("AB12", "031512", 5, 7);
+    ProgressAtClose progress;
+    qApp->installEventFilter(&progress);
+    load("AB12", {"031412", "031512"}, mar14, mar15);
+    EXPECT_EQ(progress.line, QStringLiteral("Reading line 0 of 7"));
+    EXPECT_EQ(progress.barMaximum, 7);
 }
 
 TEST_F(LoadingASite, TheBufferGrowsToTheRowsOfTheWholeLoad) {
