@@ -204,6 +204,7 @@ public:
     // ---- Calibration ----
     // Opens the calibration dialog of a one-channel log, or raises it when it is open already.
     void OpenCalibrationDialog();
+    // Shows an open calibration dialog the factors of the site loaded last.
     void ShowFactorsInCalibrationDialog();
     // The calibration dialog while it is open, else null.
     frmCalibrate2* calibrationDialog() const;

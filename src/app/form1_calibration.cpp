@@ -22,7 +22,7 @@ void Form1::OpenCalibrationDialog() {
         },
         this);
     calibrationDialog_->show();
-    calibrationDialog_->showCurrentFactors(mScale, mOffset);
+    ShowFactorsInCalibrationDialog();
 }
 
 // An open dialog always calculates from the factors of the site loaded last, also when another
