@@ -268,6 +268,7 @@ private:
     // Shows the grid rows (time TAB comment) in the given order.
     void showCommentRows(const QStringList& rows);
     void setCommentRow(int row, const QString& text);
+    // The rows the grid shows, in its order, each as the text it was shown from.
     QStringList commentGridRows() const;
     // Moves the visible window, keeping its width, so that t stands in its middle, and puts the
     // cursor there.

@@ -42,7 +42,8 @@ void Form1::showCommentRows(const QStringList& rows) {
 }
 
 // A row's text has a TAB between its cells, so a TAB typed into a comment spills the rest into
-// further columns, which the grid grows to hold; the comment stays whole in the file.
+// further columns, which the grid grows to hold; the comment stays whole in the file. The time
+// cell keeps the row's text whole, as the file gave it, for sorting and the chart's markers.
 void Form1::setCommentRow(int row, const QString& text) {
     const QStringList cells = text.split(QLatin1Char('\t'));
     for (int c = gridHistoryEvents->columnCount(); c < cells.size(); ++c) {
@@ -52,8 +53,10 @@ void Form1::setCommentRow(int row, const QString& text) {
     }
     for (int c = 0; c < cells.size(); ++c) {
         auto* item = new QTableWidgetItem(cells[c]);
-        if (c == 0)
+        if (c == 0) {
             item->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+            item->setData(Qt::UserRole, text);
+        }
         gridHistoryEvents->setItem(row, c, item);
     }
 }
@@ -61,16 +64,8 @@ void Form1::setCommentRow(int row, const QString& text) {
 QStringList Form1::commentGridRows() const {
     QStringList rows;
     for (int r = 0; r < gridHistoryEvents->rowCount(); ++r) {
-        // Cells up to the last one filled, so that a row keeps its TABs and gains none.
-        QStringList cells;
-        int filled = 1;
-        for (int c = 0; c < gridHistoryEvents->columnCount(); ++c) {
-            const QTableWidgetItem* item = gridHistoryEvents->item(r, c);
-            cells << (item ? item->text() : QString());
-            if (item && c > 0)
-                filled = c + 1;
-        }
-        rows << QStringList(cells.mid(0, std::max(filled, 2))).join(QLatin1Char('\t'));
+        const QTableWidgetItem* time = gridHistoryEvents->item(r, 0);
+        rows << (time ? time->data(Qt::UserRole).toString() : QString());
     }
     return rows;
 }
